@@ -1,0 +1,37 @@
+# Flags that every target shares: warnings, assertions, hardening, sanitizers.
+option(WARNINGS_AS_ERRORS "Stop at the first compiler warning" OFF)
+option(HARDENING "Fortified libc calls, stack protector, PIE, read-only relocations" OFF)
+set(SANITIZERS "" CACHE STRING "Value for -fsanitize=, empty for none")
+
+add_compile_options(
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    -Wold-style-cast -Wcast-align -Woverloaded-virtual -Wnull-dereference -Wdouble-promotion
+    -Wformat=2 -Wunused -Wextra-semi)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-Wduplicated-cond -Wduplicated-branches -Wlogical-op)
+endif()
+if(WARNINGS_AS_ERRORS)
+    add_compile_options(-Werror)
+endif()
+
+# In every build type: an empty handler pointer must end the service at once (see PacketsHandler.cpp).
+add_compile_definitions(_GLIBCXX_ASSERTIONS)
+
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+if(HARDENING)
+    include(CheckPIESupported)
+    check_pie_supported()
+    add_compile_options(-fstack-protector-strong)
+    add_compile_definitions($<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+    add_link_options(-Wl,-z,relro -Wl,-z,now)
+endif()
+
+if(SANITIZERS)
+    # -O1: sanitized tests run in acceptable time; frame pointers: reports with whole stacks.
+    add_compile_options(-fsanitize=${SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    add_link_options(-fsanitize=${SANITIZERS})
+    # The thread sanitizer does not follow fences; gcc says so for every atomic in the library.
+    if(SANITIZERS STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        add_compile_options(-Wno-tsan)
+    endif()
+endif()
