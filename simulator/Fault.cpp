@@ -29,7 +29,8 @@ constexpr std::array<KindRow, 12> KINDS = {{
      std::numeric_limits<int>::max(),
      "the request is not carried out, \"ret_val\" is CODE (not 0).\n"
      "the service replies with the name of CODE (5 to 8) or \"\" as \"result\" and\n"
-     "without \"reticles\". It ignores the code of the list that follows a change."},
+     "without \"reticles\"; of the list that follows a change it ignores the code, and\n"
+     "\"reticles\" is null."},
     {FaultKind::NO_PARAM, "no-param", "", 0, 0,
      "list: the answer names no list file.\n"
      "the service replies \"OK\" with \"reticles\" null."},
@@ -51,8 +52,8 @@ constexpr std::array<KindRow, 12> KINDS = {{
      "the service gives no reply; the link stays up and the next exchange is good."},
     {FaultKind::SPLIT, "split", "MS", 0, MAX_WAIT_MS,
      "the answer comes in two segments, MS milliseconds apart.\n"
-     "the service reads only the first: no reply. The second is taken as the answer\n"
-     "to the next request, and each later answer as that to the request after its own."},
+     "the service reads only the first (MS 0: often both): no reply. The second is taken as\n"
+     "the answer to the next request, each later answer as that to the request after its own."},
     {FaultKind::DELAY, "delay", "MS", 0, MAX_WAIT_MS,
      "the answer comes MS milliseconds late.\n"
      "from 5000 on the service gives up: no reply, RTOS link lost until it restarts."},
