@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include "simulator/Fault.h"
+
+namespace sim {
+
+/// What a person asks of one run.
+struct Options {
+    std::filesystem::path root = "/tmp/FL0";
+    std::uint16_t port = 3425;  ///< 0 for any free one
+    std::size_t maxReticles = 32;
+    bool isReset = false;
+    bool isVerbose = false;
+    std::vector<Fault> faults;
+};
+
+/// Reads the command line. For --help, --version and mistakes it prints what there is to say (help
+/// and version on standard output, mistakes on standard error) and sets `exitStatus`.
+/// \return the options; none when the program is to end with `exitStatus`
+[[nodiscard]] std::optional<Options> parseCommandLine(int argc, const char* const* argv,
+                                                      int& exitStatus);
+
+}  // namespace sim

@@ -1,0 +1,45 @@
+#include "simulator/JsonText.h"
+
+#include <json/reader.h>
+#include <json/writer.h>
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+namespace sim {
+
+namespace {
+
+std::string write(const Json::Value& value, const char* indentation) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = indentation;
+    builder["emitUTF8"] = true;
+    return Json::writeString(builder, value);
+}
+
+}  // namespace
+
+Json::Value parseJson(const std::string& text) {
+    Json::CharReaderBuilder builder;
+    builder["collectComments"] = false;
+    builder["failIfExtra"] = true;
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    Json::Value value;
+    std::string errors;
+    if (!reader->parse(text.data(), text.data() + text.size(), &value, &errors)) {
+        std::replace(errors.begin(), errors.end(), '\n', ' ');
+        throw std::runtime_error(errors);
+    }
+    return value;
+}
+
+std::string compactJson(const Json::Value& value) {
+    return write(value, "");
+}
+
+std::string readableJson(const Json::Value& value) {
+    return write(value, "    ") + '\n';
+}
+
+}  // namespace sim

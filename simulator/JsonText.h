@@ -1,0 +1,19 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <string>
+
+namespace sim {
+
+/// Parses one JSON text of any kind.
+/// \throws std::runtime_error that says on one line what is wrong with it.
+[[nodiscard]] Json::Value parseJson(const std::string& text);
+
+/// `value` on one line, without blanks; bytes that are not ASCII stay as they are.
+[[nodiscard]] std::string compactJson(const Json::Value& value);
+
+/// `value` with one member a line, for files that people read.
+[[nodiscard]] std::string readableJson(const Json::Value& value);
+
+}  // namespace sim
