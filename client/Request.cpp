@@ -33,10 +33,9 @@ Json::Value carried(const std::string& text, const std::string& what) {
 
 void requireFits(std::size_t bytes) {
     if (bytes >= REQUEST_LIMIT_BYTES) {
-        throw RequestTooLarge("the request has " + std::to_string(bytes) +
-                              " bytes or more, the service takes less than " +
+        throw RequestTooLarge("the request is too large, the service takes less than " +
                               std::to_string(REQUEST_LIMIT_BYTES) +
-                              ": send smaller data, or several reticles one by one");
+                              " bytes of JSON: send smaller data, or several reticles one by one");
     }
 }
 
