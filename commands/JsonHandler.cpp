@@ -1,0 +1,44 @@
+#include "commands/JsonHandler.h"
+
+#include <iostream>
+
+#include "service/Log.h"
+
+namespace reticled {
+
+JsonHandler::JsonHandler()
+    : _localCommunicator(LocalCommunicator::getInstance()),
+      _rtosBuilder(std::make_shared<JsonRtosBuilderList>()),
+      _netBuilder(std::make_shared<JsonNetBuilder>()) {}
+
+bool JsonHandler::_exchangeAll(const std::vector<std::string>& requests) {
+    _netBuilder->reset();
+    for (const std::string& request : requests) {
+        logLine(std::cout, "handleJsReq", ", rtos request: ", request);
+        if (!_netBuilder->setResult(_localCommunicator->send_and_get(request))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void JsonHandler::_refreshList() {
+    _netBuilder->fillReticles(_localCommunicator->send_and_get(_listRequest()));
+}
+
+std::string JsonHandler::_listRequest() const {
+    _rtosBuilder->reset();
+    _rtosBuilder->buildMsgId();
+    _rtosBuilder->buildParam();
+    _rtosBuilder->finish();
+    return _rtosBuilder->getRequest();
+}
+
+std::string JsonHandler::_finishReply() {
+    _netBuilder->finish();
+    std::string reply = _netBuilder->getResponse();
+    logLine(std::cout, "handleJsReq", ", response: ", reply);
+    return reply;
+}
+
+}  // namespace reticled

@@ -1,0 +1,55 @@
+#include "commands/JsonRtosBuilderAddOrUpdate.h"
+
+#include <iostream>
+
+#include "service/Log.h"
+
+namespace reticled {
+namespace {
+
+// An RTOS message numbers its parameters in their fixed order; an added reticle has no first one.
+constexpr auto FIRST_PARAM_PREFIX = "param1_";
+constexpr auto SECOND_PARAM_PREFIX = "param2_";
+constexpr auto THIRD_PARAM_PREFIX = "param3_";
+
+}  // namespace
+
+JsonRtosBuilderAddOrUpdate::~JsonRtosBuilderAddOrUpdate() {
+    removeDataFiles();
+}
+
+void JsonRtosBuilderAddOrUpdate::reset() {
+    JsonRtosBuilder::reset();
+    _requests.clear();
+}
+
+void JsonRtosBuilderAddOrUpdate::build(const std::string& request) {
+    // Intended: no separator, log readers look for "buildmsg: ".
+    logLine(std::cout, "build", "msg: ", request);
+    const std::vector<ReticleRecord> records = JsonRetriever::getReticleRecords(request, RETICLES);
+    // Intended: written for every request, also when it has records; log readers count commands by
+    // it.
+    logLine(std::cout, "build", "indices is empty ");
+    for (const ReticleRecord& record : records) {
+        _requests.push_back(_makeMessage(record));
+    }
+}
+
+std::vector<std::string> JsonRtosBuilderAddOrUpdate::getRequests() const {
+    return _requestTexts(_requests);
+}
+
+Json::Value JsonRtosBuilderAddOrUpdate::_makeMessage(const ReticleRecord& record) {
+    Json::Value message;
+    if (record.index < 0) {
+        message[JsonRetriever::keyName(MSG_ID)] = RTOS_ADD_RETICLE;
+    } else {
+        message[JsonRetriever::keyName(MSG_ID)] = RTOS_UPDATE_RETICLE;
+        message[FIRST_PARAM_PREFIX + JsonRetriever::keyName(INDEX)] = record.index;
+    }
+    message[SECOND_PARAM_PREFIX + JsonRetriever::keyName(NAME)] = record.name;
+    message[THIRD_PARAM_PREFIX + JsonRetriever::keyName(DATA)] = _saveReticleData(record.data);
+    return message;
+}
+
+}  // namespace reticled

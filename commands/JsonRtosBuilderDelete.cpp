@@ -1,0 +1,36 @@
+#include "commands/JsonRtosBuilderDelete.h"
+
+#include <iostream>
+#include <utility>
+
+#include "processing/JsonRetriever.h"
+#include "service/Log.h"
+
+namespace reticled {
+
+void JsonRtosBuilderDelete::reset() {
+    JsonRtosBuilder::reset();
+    _requests.clear();
+}
+
+void JsonRtosBuilderDelete::build(const std::string& request) {
+    // Intended: no separator, log readers look for "buildmsg: ".
+    logLine(std::cout, "build", "msg: ", request);
+    const std::vector<int> indices = JsonRetriever::getIntVector(request, INDICES);
+    if (indices.empty()) {
+        logLine(std::cout, "build", "indices is empty ");
+        return;
+    }
+    for (const int index : indices) {
+        Json::Value message;
+        message[JsonRetriever::keyName(MSG_ID)] = RTOS_DELETE_RETICLE;
+        message[JsonRetriever::keyName(PARAM)] = index;
+        _requests.push_back(std::move(message));
+    }
+}
+
+std::vector<std::string> JsonRtosBuilderDelete::getRequests() const {
+    return _requestTexts(_requests);
+}
+
+}  // namespace reticled

@@ -1,0 +1,17 @@
+#include "commands/JsonSetActiveRetHandler.h"
+
+namespace reticled {
+
+std::string JsonSetActiveRetHandler::handleJsReq(const std::string& request) {
+    _cmdBuilder->reset();
+    _cmdBuilder->build(request);
+    _cmdBuilder->finish();
+    const std::string answer = _localCommunicator->send_and_get(_cmdBuilder->getRequest());
+    _netBuilder->reset();
+    if (_netBuilder->setResult(answer)) {
+        _refreshList();
+    }
+    return _finishReply();
+}
+
+}  // namespace reticled

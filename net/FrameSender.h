@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <span>
+
+namespace reticled {
+
+/// How long a client may take not one byte of a reply before it loses the rest of it.
+inline constexpr std::chrono::seconds STALL_LIMIT{30};
+
+/// Sends one frame to a client, however slowly the client reads, without ever waiting for a client
+/// that has stopped reading.
+///
+/// Keeps the connection open from construction to destruction with a descriptor of its own: when
+/// the client leaves meanwhile, its number may be given to a new client, who must not get the rest.
+class FrameSender {
+public:
+    /// \param socket a client connection; not owned. One that is already closed makes send fail.
+    /// \param stallLimit see STALL_LIMIT.
+    explicit FrameSender(int socket, std::chrono::milliseconds stallLimit = STALL_LIMIT);
+
+    FrameSender(const FrameSender&) = delete;
+    FrameSender& operator=(const FrameSender&) = delete;
+    ~FrameSender();
+
+    /// Sends all of `frame`; blocks as long as the client goes on taking bytes. A client that
+    /// stalls is shut down, so that its reader thread ends the connection. Response thread only.
+    /// \return 0 or the errno value of what ended it, ETIMEDOUT for a client that stalled.
+    [[nodiscard]] int send(std::span<const std::uint8_t> frame);
+
+private:
+    /// Waits until the client has taken something. False when it took nothing for the stall limit.
+    [[nodiscard]] bool _waitForProgress() const;
+
+    [[nodiscard]] int _bytesNotTaken() const;
+
+    int _duplicate;  ///< -1 when there was no descriptor to spare
+    int _socket;
+    std::chrono::milliseconds _stallLimit;
+};
+
+}  // namespace reticled

@@ -1,0 +1,213 @@
+#include "processing/JsonRetriever.h"
+
+#include <iostream>
+#include <map>
+#include <numeric>
+#include <stdexcept>
+
+#include "processing/ActionNames.h"
+#include "processing/JsonText.h"
+#include "service/Log.h"
+
+namespace reticled {
+namespace {
+
+constexpr auto UNPARSABLE_MESSAGE = "Error: json str is wrong, can't be deserialized\n";
+constexpr auto WRONG_KEY_MESSAGE = "Wrong json key\n";
+constexpr std::size_t USUAL_LIST_SIZE = 10;
+
+std::map<int, std::string> jsonKeys{
+    {ACTION, "action"},
+    {DATA, "data"},
+    {PARAM_GET, "param_get"},
+    {PARAM, "param"},
+    {INDEX, "index"},
+    {IS_ACTIVE, "isActive"},
+    {IS_DELETABLE, "isDeletable"},
+    {DATA, "data"},  // listed twice on purpose; the map keeps one
+    {NAME, "name"},
+    {MSG_ID, "msg_id"},
+    {RETICLES, "reticles"},
+    {RESULT, "result"},
+    {RET_VAL, "ret_val"},
+    {INDICES, "indices"},
+    {USER_COLOR, "userColor"},
+};
+
+std::map<int, std::string> resultNames{
+    {OK, "OK"},
+    {RETICLES_COUNT_OUT_OF_BOUNDS, "RETICLES_COUNT_OUT_OF_BOUNDS"},
+    {RETICLE_CANT_BE_DELETED, "RETICLE_CANT_BE_DELETED"},
+    {RETICLE_INDEX_NOT_FOUND, "RETICLE_INDEX_NOT_FOUND"},
+    {UNKNOWN_ACTION, "UNKNOWN_ACTION"},
+};
+
+/// The member of the object `text` that the strict getters convert. Whether the text parses is not
+/// looked at: what could be read of it decides.
+Json::Value member(const std::string& text, const JsonKey& key) {
+    Json::Value root;
+    parseJson(text, Comments::SKIP, root);
+    return std::move(root[jsonKeys[key]]);
+}
+
+/// Parses for the lenient getters; false, after a message, where there is nothing to read.
+bool parseLeniently(const std::string& text, Json::Value& root) {
+    bool readable = false;
+    try {
+        readable = parseJson(text, Comments::SKIP, root) && !root.empty();
+    } catch (const std::exception&) {
+        readable = false;
+    }
+    if (!readable) {
+        logText(std::cerr, UNPARSABLE_MESSAGE);
+    }
+    return readable;
+}
+
+/// Gives `use` every entry of the list under `key` of the object `text`; a message stands for each
+/// entry, and for a root, that cannot be used.
+template <class Use>
+void forEachListEntry(const std::string& text, const JsonKey& key, const Use& use) {
+    Json::Value root;
+    if (!parseLeniently(text, root)) {
+        return;
+    }
+    if (!root.isObject()) {
+        logText(std::cerr, WRONG_KEY_MESSAGE);
+        return;
+    }
+    for (Json::Value& entry : root[jsonKeys[key]]) {
+        try {
+            use(entry);
+        } catch (const std::exception&) {
+            logText(std::cerr, WRONG_KEY_MESSAGE);
+        }
+    }
+}
+
+void convert(const Json::Value& value, int& result) {
+    result = value.asInt();
+}
+
+void convert(const Json::Value& value, std::string& result) {
+    result = value.asCString();
+}
+
+ReticleRecord toRecord(Json::Value& entry) {
+    std::string name = entry[jsonKeys[NAME]].asCString();
+    std::string data = entry[jsonKeys[DATA]].asCString();
+    const Json::Value& index = entry[jsonKeys[INDEX]];
+    return {index.isNull() ? -1 : index.asInt(), std::move(name), std::move(data)};
+}
+
+/// Receivers take a zero for any sync byte but the last; clients rely on it.
+bool isSync(const std::uint8_t* header) {
+    constexpr int last = FRAME_SYNC_SIZE - 1;
+    for (int i = 0; i < last; ++i) {
+        if (header[i] != i && header[i] != 0) {
+            return false;
+        }
+    }
+    return header[last] == last;
+}
+
+}  // namespace
+
+bool JsonRetriever::isJson(const std::string& text) {
+    try {
+        Json::Value root;
+        return parseJson(text, Comments::SKIP, root);
+    } catch (const std::exception& error) {
+        logLine(std::cerr, error.what());
+        return false;
+    }
+}
+
+int JsonRetriever::getIntVal(const std::string& text, const JsonKey& key) {
+    if (text.empty()) {
+        throw std::runtime_error("getIntVal: json msg is empty");
+    }
+    return member(text, key).asInt();
+}
+
+std::string JsonRetriever::getStrVal(const std::string& text, const JsonKey& key) {
+    if (text.empty()) {
+        throw std::runtime_error("getStrVal: json msg is empty");
+    }
+    return member(text, key).asCString();
+}
+
+template <class T>
+T JsonRetriever::getVal(const std::string& text, const JsonKey& key) {
+    T result{};
+    if constexpr (std::is_same_v<T, int>) {
+        result = -1;
+    }
+    Json::Value root;
+    if (text.empty() || !parseLeniently(text, root)) {
+        return result;
+    }
+    for (Json::Value& entry : root) {
+        try {
+            convert(entry[jsonKeys[key]], result);
+            logLine(std::cerr, "json value: ", result);
+        } catch (const std::exception&) {
+            logText(std::cerr, WRONG_KEY_MESSAGE);
+        }
+    }
+    return result;
+}
+
+template int JsonRetriever::getVal<int>(const std::string& text, const JsonKey& key);
+template std::string JsonRetriever::getVal<std::string>(const std::string& text,
+                                                        const JsonKey& key);
+
+std::vector<int> JsonRetriever::getIntVector(const std::string& text, const JsonKey& key) {
+    std::vector<int> values;
+    values.reserve(USUAL_LIST_SIZE);
+    forEachListEntry(text, key, [&](const Json::Value& entry) { values.push_back(entry.asInt()); });
+    return values;
+}
+
+std::vector<ReticleRecord> JsonRetriever::getReticleRecords(const std::string& text,
+                                                            const JsonKey& key) {
+    std::vector<ReticleRecord> records;
+    records.reserve(USUAL_LIST_SIZE);
+    forEachListEntry(text, key, [&](Json::Value& entry) { records.push_back(toRecord(entry)); });
+    return records;
+}
+
+std::string JsonRetriever::keyName(const JsonKey& key) {
+    return jsonKeys[key];
+}
+
+std::string JsonRetriever::resultName(const ResultCode& code) {
+    return resultNames[code];
+}
+
+int JsonRetriever::getPacketLength(const std::uint8_t* header) {
+    if (!isSync(header)) {
+        return 0;
+    }
+    std::uint32_t length = 0;
+    for (int i = FRAME_SYNC_SIZE; i < FRAME_HEADER_SIZE; ++i) {
+        length = length << 8U | header[i];
+    }
+    logLine(std::cout, "total cnt = ", FRAME_SYNC_SIZE);
+    logLine(std::cout, "json is true, length = ", length);
+    return static_cast<int>(length);
+}
+
+std::vector<std::uint8_t> JsonRetriever::buildNetPacket(const std::string& body) {
+    std::vector<std::uint8_t> frame;
+    frame.reserve(FRAME_HEADER_SIZE + body.size());
+    frame.resize(FRAME_SYNC_SIZE);
+    std::iota(frame.begin(), frame.end(), std::uint8_t{0});
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        frame.push_back(static_cast<std::uint8_t>(body.size() >> shift));
+    }
+    frame.insert(frame.end(), body.begin(), body.end());
+    return frame;
+}
+
+}  // namespace reticled

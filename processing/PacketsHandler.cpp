@@ -1,0 +1,53 @@
+#include "processing/PacketsHandler.h"
+
+#include <iostream>
+#include <string>
+
+#include "service/Log.h"
+
+namespace reticled {
+namespace {
+
+constexpr int NO_SOCKET = 0;
+
+}  // namespace
+
+PacketsHandler::PacketsHandler()
+    : _packetStorage(PacketStorage::getInstance()),
+      _handlerDirector(JsonHandlerDirector::getInstance()),
+      _isRunning(true) {
+    _handlerThread = std::make_shared<std::thread>(&PacketsHandler::_handlerRoutine, this);
+}
+
+PacketsHandler::~PacketsHandler() {
+    _isRunning = false;
+    // The worker may wait for a request; an empty one wakes it and fails before it touches
+    // anything.
+    _packetStorage->push(REQUEST_QUEUE, std::make_shared<Packet>(NO_SOCKET, std::string()));
+    if (_handlerThread && _handlerThread->joinable()) {
+        _handlerThread->join();
+    }
+}
+
+void PacketsHandler::_handlerRoutine() {
+    while (_isRunning) {
+        try {
+            _handleNextPacket();
+        } catch (const std::exception& error) {
+            logLine(std::cerr, "_handlerRoutine, exception: ", error.what());
+        }
+    }
+}
+
+void PacketsHandler::_handleNextPacket() {
+    const std::shared_ptr<Packet> packet = _packetStorage->pop(REQUEST_QUEUE);
+    logLine(std::cout, "PacketsHandler::_handlerRoutine, json req: ", packet->_data);
+    const std::shared_ptr<JsonHandler> handler = _handlerDirector->getHandler(packet->_data);
+    // Intended: an action that nobody handles gives an empty pointer, and the call through it ends
+    // the process at once (the library's assertions are on in every build). Supervisors restart it.
+    std::string reply = handler->handleJsReq(packet->_data);
+    packet->_data.swap(reply);
+    _packetStorage->push(RESPONSE_QUEUE, packet);
+}
+
+}  // namespace reticled

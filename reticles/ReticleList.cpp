@@ -1,0 +1,93 @@
+// The part of JsonNetBuilder that turns the RTOS's list file into the reply's "reticles".
+#include <iostream>
+#include <utility>
+
+#include "commands/JsonNetBuilder.h"
+#include "processing/JsonRetriever.h"
+#include "processing/JsonText.h"
+#include "reticles/FlashPaths.h"
+#include "reticles/StorageFile.h"
+#include "service/Log.h"
+
+namespace reticled {
+namespace {
+
+/// Takes the reticle entries out of a parsed list file. The last entry of the root that is an
+/// object decides, also when it has none: intended, RTOS list files are written for this rule.
+Json::Value findReticleEntries(Json::Value& root) {
+    Json::Value entries;
+    for (Json::Value& candidate : root) {
+        try {
+            entries = std::move(candidate[JsonRetriever::keyName(RETICLES)]);
+        } catch (...) {  // NOLINT(bugprone-empty-catch): no object, so it has no say
+        }
+    }
+    return entries;
+}
+
+}  // namespace
+
+std::string JsonNetBuilder::_getReticlesList(const std::string& answer) {
+    Json::Value root;
+    parseJson(answer, Comments::SKIP, root);
+    if (root.empty()) {
+        return {};
+    }
+    std::string listName;
+    for (Json::Value& entry : root) {
+        try {
+            listName = entry[JsonRetriever::keyName(PARAM)].asCString();
+        } catch (
+            ...) {  // NOLINT(bugprone-empty-catch): names no file, so an earlier entry's name holds
+        }
+    }
+    return StorageFile(FLASH_ROOT + listName).readAll();
+}
+
+void JsonNetBuilder::fillReticles(const std::string& answer) {
+    Json::Value& reticles = _response[JsonRetriever::keyName(RETICLES)];
+    reticles = Json::Value();
+    if (answer.empty()) {
+        return;
+    }
+    Json::Value root;
+    // An "index" is copied into the reply as it stands, comments included.
+    parseJson(_getReticlesList(answer), Comments::COLLECT, root);
+    if (root.empty()) {
+        logText(std::cerr, "Error: json str is wrong, can't be deserialized\n");
+        return;
+    }
+    Json::Value entries = findReticleEntries(root);
+    for (Json::Value& entry : entries) {
+        try {
+            if (auto record = _makeRecord(entry)) {
+                reticles.append(*std::move(record));
+            }
+        } catch (const std::exception&) {
+            logText(std::cerr, "Wrong json key\n");
+        }
+    }
+}
+
+std::optional<Json::Value> JsonNetBuilder::_makeRecord(Json::Value& entry) {
+    const std::string dataKey = JsonRetriever::keyName(DATA);
+    const std::string indexKey = JsonRetriever::keyName(INDEX);
+    const std::string nameKey = JsonRetriever::keyName(NAME);
+    const std::string deletableKey = JsonRetriever::keyName(IS_DELETABLE);
+    const std::string activeKey = JsonRetriever::keyName(IS_ACTIVE);
+    const std::string userColor = entry[JsonRetriever::keyName(USER_COLOR)].asCString();
+    const std::string fileName = entry[dataKey].asCString();
+    std::string data = _getReticleData(fileName, userColor);
+    if (data.empty()) {
+        return std::nullopt;
+    }
+    Json::Value record;
+    record[indexKey] = std::move(entry[indexKey]);
+    record[nameKey] = entry[nameKey].asCString();
+    record[dataKey] = std::move(data);
+    record[deletableKey] = entry[deletableKey].asInt() != 0;
+    record[activeKey] = entry[activeKey].asInt() != 0;
+    return record;
+}
+
+}  // namespace reticled

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <netinet/in.h>
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "processing/JsonRetriever.h"
+#include "service/SingleInstance.h"
+
+namespace reticled {
+
+inline constexpr auto RTOS_ADDRESS = "127.0.0.1";
+inline constexpr int RTOS_PORT = 3425;
+/// Longest answer of the RTOS.
+inline constexpr int RTOS_BUFFER_SIZE = 1024;
+/// How long the RTOS may take for an answer.
+inline constexpr int RTOS_RECV_TIMEOUT_S = 5;
+
+/// The link to the RTOS: one TCP connection, opened by the first exchange and kept.
+///
+/// A link that is lost stays lost until the service is restarted, on purpose: whoever supervises
+/// the service, not the service itself, decides when to start anew. Worker thread only.
+class LocalCommunicator : public SingleInstance<LocalCommunicator> {
+public:
+    /// Prepares the socket. Failures are reported and come back as failing exchanges.
+    LocalCommunicator();
+
+    LocalCommunicator(const LocalCommunicator&) = delete;
+    LocalCommunicator& operator=(const LocalCommunicator&) = delete;
+    ~LocalCommunicator();
+
+    /// Sends `request` and returns the RTOS's answer, which is JSON.
+    ///
+    /// The RTOS answers each request with one text of at most 1024 bytes that arrives in one piece;
+    /// what comes later or beyond is taken as the start of the next answer. Blocks for at most 5 s
+    /// after the request is out.
+    /// \throws std::runtime_error when the link cannot be opened or is lost (it is then closed for
+    ///         good), when sending fails, or when the answer is not JSON (the link stays open).
+    [[nodiscard]] std::string send_and_get(const std::string& request);
+
+    /// Closes the link for good.
+    void close();
+
+    /// Whether the last answer is JSON.
+    [[nodiscard]] bool _isRecvJsonValid() const;
+
+private:
+    friend struct LocalCommunicatorTestPeer;
+
+    void _setRecvTimeout() const;
+    void _connectOnce();
+    void _send(const std::string& request) const;
+    void _receive();
+
+    int _socket;
+    std::shared_ptr<JsonRetriever> _jsonRetriever = JsonRetriever::getInstance();
+    // One byte more than the RTOS may send: a full answer is terminated too.
+    std::array<char, RTOS_BUFFER_SIZE + 1> _buffer{};
+    std::string _recvJson;  ///< the answer of the current exchange
+    sockaddr_in _serverAddr{};
+    std::atomic<bool> _isConnected{false};
+};
+
+}  // namespace reticled

@@ -1,0 +1,8 @@
+// reticled: the service as a daemon.
+#include "service/daemonize.h"
+#include "service/runService.h"
+
+int main() {
+    reticled::daemonize();
+    return reticled::runService();
+}
