@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Patience.h"
 #include "tests/unit/service/MemoryFile.h"
 
 namespace {
@@ -33,7 +35,7 @@ void flushStandardStreams() {
 
 }  // namespace
 
-Outcome runInOwnProcess(const std::function<int()>& body) {
+Outcome runInOwnProcess(const std::function<int()>& body, const std::function<bool()>& isEnough) {
     const MemoryFile out;
     const MemoryFile err;
     flushStandardStreams();
@@ -45,7 +47,8 @@ Outcome runInOwnProcess(const std::function<int()>& body) {
         std::exit(body());
     }
     ChildProcess child(pid);
-    const std::optional<int> status = child.waitForEnd();
+    static_cast<void>(eventually([&] { return !child.isAlive() || isEnough(); }));
+    const std::optional<int> status = child.waitForEnd(std::chrono::milliseconds::zero());
     return {status, out.content(), err.content()};
 }
 

@@ -18,7 +18,9 @@ struct Outcome {
 /// Fork before this process has threads: suites that call this are named "...DeathTest", which the
 /// test runner takes first.
 /// \param body its result becomes the exit status; runs with standard streams of its own.
-[[nodiscard]] Outcome runInOwnProcess(const std::function<int()>& body);
+/// \param isEnough asked again and again; ends the process as soon as it says yes.
+[[nodiscard]] Outcome runInOwnProcess(
+    const std::function<int()>& body, const std::function<bool()>& isEnough = [] { return false; });
 
 /// Makes the kernel refuse the system call `number` with `error` for the rest of this process's
 /// life. Call it in a process of its own.
