@@ -30,15 +30,16 @@ std::string inSeconds(std::chrono::milliseconds time) {
     return text.str();
 }
 
-/// \returns false when the deadline passed first.
+/// \returns false when the deadline has passed, even for a peer that always has something to say.
 bool isReady(int socket, short events, const Deadline& deadline) {
-    while (true) {
+    while (const int leftMs = deadline.leftMs()) {
         pollfd entry{socket, events, 0};
-        const int count = ::poll(&entry, 1, deadline.leftMs());
-        if (count >= 0 || errno != EINTR) {
-            return count != 0;
+        const int count = ::poll(&entry, 1, leftMs);
+        if (count > 0 || (count < 0 && errno != EINTR)) {
+            return true;
         }
     }
+    return false;
 }
 
 Addresses lookUp(const std::string& host, std::uint16_t port, const std::string& peer) {

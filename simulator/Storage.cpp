@@ -50,6 +50,7 @@ bool isBelow(const fs::path& path, const fs::path& root) {
 
 Storage::Storage(fs::path root) : _root(std::move(root)), _reticles(_root / "reticle") {
     fs::create_directories(_reticles);
+    fs::remove(_root / FAULTY_LIST_FILE);
 }
 
 std::optional<ReticleList> Storage::load() const {

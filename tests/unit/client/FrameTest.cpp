@@ -135,6 +135,17 @@ TEST(Frame, DrippingBytesDoNotMoveTheDeadline) {
     EXPECT_THROW(receiveFrom(service, 200ms), NoReply);
 }
 
+TEST(Frame, AFloodDoesNotMoveTheDeadline) {
+    const FakeService service([](FakePeer& peer) {
+        peer.send(header({"\x3F\xFF\xFF\xFF", 4}));
+        const std::string flood(65536, 'x');
+        while (!peer.hasClosed(0)) {
+            peer.send(flood);
+        }
+    });
+    EXPECT_THROW(receiveFrom(service, 20ms), NoReply);
+}
+
 }  // namespace
 
 }  // namespace reticle
