@@ -28,8 +28,9 @@ std::vector<pid_t> runningProcesses() {
         const std::string name = entry.path().filename();
         pid_t pid = 0;
         const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), pid);
-        if (error == std::errc{} && end == name.data() + name.size())
+        if (error == std::errc{} && end == name.data() + name.size()) {
             found.push_back(pid);
+        }
     }
     return found;
 }
@@ -44,8 +45,9 @@ bool isDaemon(pid_t pid) {
 
 pid_t findDaemon(Process& command) {
     const std::optional<int> status = command.waitForEnd();
-    if (status != 0)
+    if (status != 0) {
         throw std::runtime_error("the start command failed: " + command.standardError());
+    }
     pid_t found = 0;
     const bool hasAppeared = eventually([&found] {
         const std::vector<pid_t> processes = runningProcesses();
@@ -53,8 +55,9 @@ pid_t findDaemon(Process& command) {
         found = daemon == processes.end() ? 0 : *daemon;
         return found > 0;
     });
-    if (!hasAppeared)
+    if (!hasAppeared) {
         throw std::runtime_error("no daemon appeared: " + command.standardError());
+    }
     return found;
 }
 
@@ -64,6 +67,7 @@ Daemon::Daemon(const std::vector<std::string>& command)
     : _command(command), _daemon(findDaemon(_command)), _sessionLeader(getsid(_daemon.pid())) {}
 
 void Daemon::waitUntilListening() {
-    if (!eventually([this] { return isListening(CLIENT_PORT) || !isAlive(); }) || !isAlive())
+    if (!eventually([this] { return isListening(CLIENT_PORT) || !isAlive(); }) || !isAlive()) {
         throw std::runtime_error("the daemon does not listen");
+    }
 }

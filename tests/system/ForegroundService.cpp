@@ -21,8 +21,9 @@ testing::AssertionResult waitForText(const std::string& text, std::size_t times,
 }  // namespace
 
 void ForegroundService::waitUntilListening() {
-    if (!eventually([this] { return isListening(CLIENT_PORT) || !isAlive(); }) || !isAlive())
+    if (!eventually([this] { return isListening(CLIENT_PORT) || !isAlive(); }) || !isAlive()) {
         throw std::runtime_error("the service does not listen: " + errors());
+    }
 }
 
 testing::AssertionResult ForegroundService::hasProgress(const std::string& text,

@@ -39,8 +39,9 @@ std::map<int, std::string> ProcessInfo::descriptors() const {
     for (const fs::directory_entry& entry : fs::directory_iterator(_path("fd"))) {
         // A descriptor may be closed while we look.
         const fs::path target = fs::read_symlink(entry.path(), gone);
-        if (!gone)
+        if (!gone) {
             found.emplace(std::stoi(entry.path().filename()), target);
+        }
     }
     return found;
 }
@@ -69,8 +70,9 @@ std::string ProcessInfo::status(const std::string& field) const {
     for (std::string name; std::getline(file, name, ':');) {
         std::string value;
         std::getline(file >> std::ws, value);
-        if (name == field)
+        if (name == field) {
             return value;
+        }
     }
     throw std::runtime_error(_path("status") + " has no " + field);
 }
@@ -82,11 +84,13 @@ int ProcessInfo::terminal() const {
 rlim_t ProcessInfo::setSoftLimit(int resource, rlim_t limit) const {
     const auto kind = static_cast<__rlimit_resource>(resource);
     rlimit limits{};
-    if (prlimit(_pid, kind, nullptr, &limits) < 0)
+    if (prlimit(_pid, kind, nullptr, &limits) < 0) {
         throw std::system_error(errno, std::generic_category(), "read limit");
+    }
     const rlimit changed{limit, limits.rlim_max};
-    if (prlimit(_pid, kind, &changed, nullptr) < 0)
+    if (prlimit(_pid, kind, &changed, nullptr) < 0) {
         throw std::system_error(errno, std::generic_category(), "set limit");
+    }
     return limits.rlim_cur;
 }
 

@@ -22,8 +22,10 @@ using RepliesTest = ForegroundTest;
 // The first group of each match of `pattern` in `text`.
 std::vector<std::string> matchesIn(const std::string& text, const std::regex& pattern) {
     std::vector<std::string> found;
-    for (std::sregex_iterator match(text.begin(), text.end(), pattern), end; match != end; ++match)
+    for (std::sregex_iterator match(text.begin(), text.end(), pattern), end; match != end;
+         ++match) {
         found.push_back((*match)[1]);
+    }
     return found;
 }
 
@@ -47,9 +49,10 @@ TEST_F(RepliesTest, RepliesLeaveInTheOrderOfTheRequestsWhateverTheirClients) {
     constexpr int CLIENTS = 4;
     std::list<FrameClient> clients(CLIENTS);
     int code = FIRST_CODE;
-    for (FrameClient& client : clients)
+    for (FrameClient& client : clients) {
         client.sendFrame(R"({"action":"RETICLE_SET_ACTIVE","index":)" + std::to_string(code++) +
                          "}");
+    }
     std::vector<std::string> asked;
     for (int i = 0; i < CLIENTS; ++i) {
         asked.push_back(matchesIn(rtos.receiveRequest(), std::regex("\"param\" : (.)")).at(0));
@@ -59,12 +62,14 @@ TEST_F(RepliesTest, RepliesLeaveInTheOrderOfTheRequestsWhateverTheirClients) {
                                                    {"RETICLES_COUNT_OUT_OF_BOUNDS", "6"},
                                                    {"RETICLE_CANT_BE_DELETED", "7"},
                                                    {"UNKNOWN_ACTION", "8"}};
-    for (FrameClient& client : clients)
+    for (FrameClient& client : clients) {
         EXPECT_NE(client.readReply(), "");
+    }
     std::vector<std::string> sent;
     const std::regex reply("responseThread: msg to send = \\{\n\t\"result\" : \"(\\w+)\"");
-    for (const std::string& result : matchesIn(service.progress(), reply))
+    for (const std::string& result : matchesIn(service.progress(), reply)) {
         sent.push_back(codes.at(result));
+    }
     EXPECT_EQ(sent, asked);
 }
 
@@ -100,16 +105,19 @@ TEST_F(RepliesTest, OneRequestInWorkAndFifteenWaitingAreAnsweredTheRestIsDropped
     FrameClient client;
     client.sendFrame(GET_ALL);
     EXPECT_EQ(rtos.receiveRequest(), LIST_REQUEST);
-    for (int i = 0; i < ANSWERED + 4; ++i)
+    for (int i = 0; i < ANSWERED + 4; ++i) {
         client.sendFrame(GET_ALL);
+    }
     // Read after all of them by the same thread: by then each is queued or dropped.
     client.sendFrame("not json");
     EXPECT_TRUE(service.hasError("Error: received packet isn't json\n"));
     rtos.answer(FULL);
-    for (int i = 1; i < ANSWERED; ++i)
+    for (int i = 1; i < ANSWERED; ++i) {
         EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
-    for (int i = 0; i < ANSWERED; ++i)
+    }
+    for (int i = 0; i < ANSWERED; ++i) {
         EXPECT_EQ(client.readReply(), FULL_REPLY);
+    }
     // The queue is empty again: the next request is the next exchange.
     client.sendFrame(R"({"action":"RETICLE_SET_ACTIVE","index":3})");
     EXPECT_EQ(rtos.exchange(R"([{"ret_val":5}])"), R"([

@@ -53,8 +53,9 @@ protected:
     }
 
     void expectMemoryGivenBack() const {
-        if (programs::ARE_SANITIZED)
+        if (programs::ARE_SANITIZED) {
             return;
+        }
         EXPECT_TRUE(eventually([this] {
             return service.info().residentBytes() < residentAtRest + GIVEN_BACK_WITHIN_BYTES;
         })) << residentAtRest
@@ -80,8 +81,9 @@ TEST_F(ResourcesTest, IdleClientsCostLittleAndNothingWhenTheyAreGone) {
 TEST_F(ResourcesTest, AnnouncedBodyCostsNothingBeforeItsBytesArrive) {
     std::list<FrameClient> clients;
     connect(clients, IDLE_CLIENTS);
-    for (FrameClient& client : clients)
+    for (FrameClient& client : clients) {
         client.sendBytes(FrameClient::header(BODY_BYTES));
+    }
     // A later client's request goes the same way; when it is served, the headers have been read.
     FrameClient later;
     expectServed(later, rtos);
@@ -113,8 +115,9 @@ TEST_F(ResourcesTest, LargeBodiesAtOnceLeaveNoMemoryBehind) {
     {
         std::list<FrameClient> clients;
         connect(clients, CLIENTS_WITH_BODIES);
-        for (FrameClient& client : clients)
+        for (FrameClient& client : clients) {
             client.sendFrame(body);
+        }
         for (FrameClient& client : clients) {
             client.connection().closeWriting();
             EXPECT_TRUE(client.connection().seesEnd());
@@ -129,8 +132,9 @@ TEST_F(ResourcesTest, ClientsThatComeAndGoLeaveNothingBehind) {
     for (int i = 0; i < VISITS; ++i) {
         std::list<FrameClient> clients;
         connect(clients, 1);
-        if (i % 2 == 0)
+        if (i % 2 == 0) {
             clients.front().connection().reset();
+        }
         clients.clear();
         expectRest();
     }

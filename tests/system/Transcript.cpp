@@ -12,25 +12,28 @@ constexpr std::string_view INDENTATION = "    ";
 constexpr std::string_view COMMENT = "#";
 
 void appendText(TranscriptStep& step, std::string_view line) {
-    if (step.hasText)
+    if (step.hasText) {
         step.text += '\n';
+    }
     step.text += line.substr(INDENTATION.size());
     step.hasText = true;
 }
 
 void appendLine(Transcript& transcript, const std::string& place, const std::string& line) {
-    if (line.starts_with(INDENTATION) && !transcript.steps.empty())
+    if (line.starts_with(INDENTATION) && !transcript.steps.empty()) {
         appendText(transcript.steps.back(), line);
-    else if (!line.starts_with(COMMENT))
+    } else if (!line.starts_with(COMMENT)) {
         transcript.steps.push_back({place, line, {}, false});
+    }
 }
 
 }  // namespace
 
 std::vector<Transcript> Transcript::readFrom(const std::string& path) {
     std::ifstream document(path);
-    if (!document)
+    if (!document) {
         throw std::runtime_error("cannot read " + path);
+    }
     const std::string name = std::filesystem::path(path).filename();
     std::vector<Transcript> transcripts;
     bool isInside = false;
@@ -46,7 +49,8 @@ std::vector<Transcript> Transcript::readFrom(const std::string& path) {
             appendLine(transcripts.back(), place, line);
         }
     }
-    if (isInside)
+    if (isInside) {
         throw std::runtime_error(transcripts.back().place + ": the transcript has no end");
+    }
     return transcripts;
 }

@@ -10,8 +10,9 @@
 // Listing the tests is part of the build and needs no sandbox; nothing else runs outside one.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    if (testing::GTEST_FLAG(list_tests))
+    if (testing::GTEST_FLAG(list_tests)) {
         return RUN_ALL_TESTS();
+    }
     try {
         const Sandbox sandbox({programs::SOURCE_DIRECTORY, programs::BUILD_DIRECTORY});
         return sandbox.run([] { return RUN_ALL_TESTS(); });
