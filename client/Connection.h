@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "client/Deadline.h"
+#include "client/Socket.h"
+
+namespace reticle {
+
+/// A TCP connection whose every wait ends at a deadline. One thread at a time.
+class Connection {
+public:
+    /// Connects to the first address of `host` that answers. The look-up of a host name has
+    /// time-outs of its own, outside the deadline; a numeric address needs none. \throws
+    /// CannotConnect.
+    Connection(const std::string& host, std::uint16_t port, const Deadline& deadline);
+
+    /// Sends all of `bytes`.
+    /// \throws NoReply when the peer does not take them in time, or is gone.
+    void send(std::string_view bytes, const Deadline& deadline);
+
+    /// Waits for bytes and appends what has come, at most `atMost`, to `text`.
+    /// \returns how many there were, 0 when the peer has closed or reset the connection.
+    /// \throws NoReply when none come in time.
+    [[nodiscard]] std::size_t receive(std::string& text, std::size_t atMost,
+                                      const Deadline& deadline);
+
+    /// "HOST:PORT", for messages.
+    [[nodiscard]] const std::string& peer() const { return _peer; }
+
+private:
+    void _waitFor(short events, const Deadline& deadline) const;
+
+    std::string _peer;
+    Socket _socket;
+};
+
+}  // namespace reticle

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "client/Reply.h"
+
+namespace reticle {
+
+/// Every error of this library. what() is one line that says what happened and what to check; it
+/// may hold texts of the other side as they came, so make it printable before it goes to a
+/// terminal.
+class ClientError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// There is no connection to the service: nothing was sent.
+class CannotConnect final : public ClientError {
+public:
+    using ClientError::ClientError;
+};
+
+/// The connection stands, but no whole reply came in time, or the service closed it without one.
+/// The device may have carried the request out all the same, or may still do so.
+class NoReply final : public ClientError {
+public:
+    using ClientError::ClientError;
+};
+
+/// Something came that is not a reply of the service.
+class MalformedReply final : public ClientError {
+public:
+    using ClientError::ClientError;
+};
+
+/// The device said no.
+class Refused final : public ClientError {
+public:
+    explicit Refused(Reply reply)
+        : ClientError("refused by the device: " + nameOf(reply) + ": " +
+                      resultMeaning(*reply.result)),
+          _reply(std::make_shared<const Reply>(std::move(reply))) {}
+
+    /// The name of the reason, empty when the service has none for the device's code.
+    [[nodiscard]] const std::string& resultName() const { return *_reply->result; }
+
+    [[nodiscard]] const Reply& reply() const { return *_reply; }
+
+private:
+    static std::string nameOf(const Reply& reply) {
+        return reply.result->empty() ? "\"\"" : *reply.result;
+    }
+
+    // Shared, so that copying the exception cannot throw.
+    std::shared_ptr<const Reply> _reply;
+};
+
+/// The request cannot be sent as it is: nothing was sent. The caller's mistake.
+class InvalidRequest : public ClientError {
+public:
+    using ClientError::ClientError;
+};
+
+/// A name or data is not UTF-8 text, or holds a NUL byte, which no request can carry.
+class InvalidText final : public InvalidRequest {
+public:
+    using InvalidRequest::InvalidRequest;
+};
+
+/// The request is longer than what the service takes.
+class RequestTooLarge final : public InvalidRequest {
+public:
+    using InvalidRequest::InvalidRequest;
+};
+
+}  // namespace reticle

@@ -1,0 +1,120 @@
+#include "client/Reply.h"
+
+#include <json/json.h>
+
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "client/Errors.h"
+
+namespace reticle {
+
+namespace {
+
+constexpr const char* SUCCESS = "OK";
+
+[[noreturn]] void refuseShape(const std::string& problem) {
+    throw MalformedReply("the reply is not one of the reticle service (" + problem +
+                         "): check that the service and this client are of the same version");
+}
+
+Json::Value parseJson(const std::string& text) {
+    Json::CharReaderBuilder builder;
+    // The service copies comments of the device's list into its reply. They must be read over, and
+    // collecting them takes time quadratic in their number.
+    builder["collectComments"] = false;
+    builder["failIfExtra"] = true;
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    Json::Value root;
+    try {
+        if (reader->parse(text.data(), text.data() + text.size(), &root, nullptr)) {
+            return root;
+        }
+    } catch (const Json::Exception&) {
+        refuseShape("its JSON is nested too deeply");
+    }
+    refuseShape("not JSON");
+}
+
+const Json::Value& member(const Json::Value& record, const char* key, Json::ValueType type) {
+    const Json::Value& value = record[key];
+    if (value.type() != type) {
+        refuseShape(std::string("a reticle's \"") + key + "\" is missing or of a wrong type");
+    }
+    return value;
+}
+
+Reticle toReticle(const Json::Value& record) {
+    if (!record.isObject()) {
+        refuseShape("a reticle is not an object");
+    }
+    Reticle reticle;
+    if (const Json::Value& index = record["index"]; index.isInt()) {
+        reticle.index = index.asInt();
+    }
+    reticle.name = member(record, "name", Json::stringValue).asString();
+    reticle.data = member(record, "data", Json::stringValue).asString();
+    reticle.isDeletable = member(record, "isDeletable", Json::booleanValue).asBool();
+    reticle.isActive = member(record, "isActive", Json::booleanValue).asBool();
+    return reticle;
+}
+
+std::vector<Reticle> toReticles(const Json::Value& list) {
+    if (!list.isArray() && !list.isNull()) {
+        refuseShape("\"reticles\" is not a list");
+    }
+    std::vector<Reticle> reticles;
+    reticles.reserve(list.size());
+    for (const Json::Value& record : list) {
+        reticles.push_back(toReticle(record));
+    }
+    return reticles;
+}
+
+}  // namespace
+
+bool Reply::isRefused() const {
+    return result && *result != SUCCESS;
+}
+
+Reply Reply::parse(std::string json) {
+    const Json::Value root = parseJson(json);
+    if (!root.isObject()) {
+        refuseShape("not an object");
+    }
+    Reply reply;
+    if (root.isMember("result")) {
+        if (!root["result"].isString()) {
+            refuseShape("\"result\" is not a text");
+        }
+        reply.result = root["result"].asString();
+    }
+    if (!reply.isRefused() && !root.isMember("reticles")) {
+        refuseShape("a success without \"reticles\"");
+    }
+    reply.reticles = toReticles(root["reticles"]);
+    reply.json = std::move(json);
+    return reply;
+}
+
+std::string resultMeaning(const std::string& result) {
+    static const std::map<std::string, std::string> MEANINGS = {
+        {SUCCESS, "done"},
+        {"RETICLE_INDEX_NOT_FOUND",
+         "the device has no reticle of this index: list the reticles to see which there are"},
+        {"RETICLES_COUNT_OUT_OF_BOUNDS",
+         "the device holds as many reticles as it can: delete one first"},
+        {"RETICLE_CANT_BE_DELETED",
+         "factory reticles and the active one stay: check in the list that it is deletable and not "
+         "active"},
+        {"UNKNOWN_ACTION",
+         "the device does not know this command: check the versions of its two sides"},
+        {"", "a code that the service has no name for: check the log of the device's RTOS side"}};
+    const auto found = MEANINGS.find(result);
+    return found != MEANINGS.end()
+               ? found->second
+               : "unknown to this client: check that it is as new as the service";
+}
+
+}  // namespace reticle

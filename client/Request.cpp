@@ -1,0 +1,105 @@
+#include "client/Request.h"
+
+#include <json/json.h>
+
+#include <string_view>
+#include <utility>
+
+#include "client/Errors.h"
+#include "client/Utf8.h"
+
+namespace reticle {
+
+namespace {
+
+Json::Value action(const char* name) {
+    Json::Value request(Json::objectValue);
+    request["action"] = name;
+    return request;
+}
+
+/// `text` as JSON, when a request can carry it: the service reads texts up to the first NUL.
+Json::Value carried(const std::string& text, const std::string& what) {
+    if (const auto invalid = findInvalidUtf8(text)) {
+        throw InvalidText(what + " is not UTF-8 text (byte " + std::to_string(*invalid) +
+                          "): convert it to UTF-8");
+    }
+    if (const auto nul = text.find('\0'); nul != std::string::npos) {
+        throw InvalidText(what + " holds a NUL (byte " + std::to_string(nul) +
+                          "), which no request can carry: check that it is a text");
+    }
+    return text;
+}
+
+void requireFits(std::size_t bytes) {
+    if (bytes >= REQUEST_LIMIT_BYTES) {
+        throw RequestTooLarge("the request is too large, the service takes less than " +
+                              std::to_string(REQUEST_LIMIT_BYTES) +
+                              " bytes of JSON: send smaller data, or several reticles one by one");
+    }
+}
+
+Json::Value record(const NewReticle& reticle) {
+    Json::Value value(Json::objectValue);
+    value["name"] = carried(reticle.name, "the name of a reticle");
+    value["data"] = carried(reticle.data, "the data of reticle \"" + reticle.name + "\"");
+    return value;
+}
+
+std::string written(const Json::Value& request) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    // Characters stay as they are: escaped ones would take up to six times the room.
+    builder["emitUTF8"] = true;
+    std::string text = Json::writeString(builder, request);
+    requireFits(text.size());
+    return text;
+}
+
+}  // namespace
+
+std::string listRequest() {
+    return written(action("RETICLES_GET_ALL"));
+}
+
+std::string activateRequest(int index) {
+    Json::Value request = action("RETICLE_SET_ACTIVE");
+    request["index"] = index;
+    return written(request);
+}
+
+std::string addRequest(const std::vector<NewReticle>& reticles) {
+    std::size_t bytes = 0;
+    Json::Value request = action("RETICLES_ADD_OR_UPDATE");
+    Json::Value& records = request["reticles"] = Json::Value(Json::arrayValue);
+    for (const NewReticle& reticle : reticles) {
+        // Before anything is copied: no JSON text is shorter than what it carries.
+        bytes += reticle.name.size() + reticle.data.size();
+        requireFits(bytes);
+        records.append(record(reticle));
+    }
+    return written(request);
+}
+
+std::string updateRequest(int index, const NewReticle& reticle) {
+    if (index < 0) {
+        throw InvalidRequest("index " + std::to_string(index) + " names no reticle: use 0 or more");
+    }
+    requireFits(reticle.name.size() + reticle.data.size());
+    Json::Value request = action("RETICLES_ADD_OR_UPDATE");
+    Json::Value changed = record(reticle);
+    changed["index"] = index;
+    request["reticles"].append(std::move(changed));
+    return written(request);
+}
+
+std::string removeRequest(const std::vector<int>& indices) {
+    Json::Value request = action("RETICLES_DELETE");
+    Json::Value& list = request["indices"] = Json::Value(Json::arrayValue);
+    for (const int index : indices) {
+        list.append(index);
+    }
+    return written(request);
+}
+
+}  // namespace reticle

@@ -1,0 +1,66 @@
+#include "client/ReticleClient.h"
+
+#include <utility>
+
+#include "client/Connection.h"
+#include "client/Deadline.h"
+#include "client/Frame.h"
+#include "client/Request.h"
+
+namespace reticle {
+
+ReticleClient::ReticleClient(std::string host, std::uint16_t port,
+                             std::chrono::milliseconds timeout)
+    : _host(std::move(host)),
+      _port(port),
+      _timeout(timeout),
+      _connection(std::make_unique<Connection>(_host, _port, Deadline(_timeout))) {}
+
+ReticleClient::ReticleClient(ReticleClient&&) noexcept = default;
+ReticleClient& ReticleClient::operator=(ReticleClient&&) noexcept = default;
+ReticleClient::~ReticleClient() = default;
+
+Reply ReticleClient::list() {
+    return _exchange(listRequest());
+}
+
+Reply ReticleClient::activate(int index) {
+    return _exchange(activateRequest(index));
+}
+
+Reply ReticleClient::add(const std::vector<NewReticle>& reticles) {
+    return _exchange(addRequest(reticles));
+}
+
+Reply ReticleClient::update(int index, std::string name, std::string data) {
+    return _exchange(updateRequest(index, {std::move(name), std::move(data)}));
+}
+
+Reply ReticleClient::remove(const std::vector<int>& indices) {
+    return _exchange(removeRequest(indices));
+}
+
+Reply ReticleClient::_exchange(const std::string& request) {
+    Reply reply;
+    try {
+        reply = _sendAndReceive(request);
+    } catch (...) {
+        _connection.reset();
+        throw;
+    }
+    if (reply.isRefused()) {
+        throw Refused(std::move(reply));
+    }
+    return reply;
+}
+
+Reply ReticleClient::_sendAndReceive(const std::string& request) {
+    const Deadline deadline(_timeout);
+    if (!_connection) {
+        _connection = std::make_unique<Connection>(_host, _port, deadline);
+    }
+    _connection->send(encodeFrame(request), deadline);
+    return Reply::parse(receiveFrame(*_connection, deadline));
+}
+
+}  // namespace reticle

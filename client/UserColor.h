@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace reticle {
+
+/// The colour that a reticle's data shows. The device puts the user's colour into the data and says
+/// nothing else of it, so it is taken from there: the value of the first `stroke="..."` attribute
+/// that is not "none", else of the first such `fill="..."`. Strokes go first because a reticle is
+/// drawn in lines, and a fill may be its background.
+///
+/// The data is searched as plain text: an attribute in a comment counts, a CSS rule does not.
+/// Any thread. Takes time linear in the data's length.
+/// \returns the value as it stands, of any content and length; nothing when there is none, as in
+/// data
+///          that is not SVG.
+[[nodiscard]] std::optional<std::string> userColor(std::string_view data);
+
+}  // namespace reticle

@@ -1,0 +1,330 @@
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "tests/unit/client/FakeService.h"
+#include "tools/reticlectl/CommandLine.h"
+
+namespace reticlectl {
+
+namespace {
+
+using reticle::test::answering;
+using reticle::test::FakePeer;
+using reticle::test::FakeService;
+using reticle::test::framed;
+
+constexpr const char* LIST_REQUEST = R"({"action":"RETICLES_GET_ALL"})";
+constexpr const char* ONE_RETICLE =
+    R"({"result":"OK","reticles":[)"
+    R"({"index":4,"name":"Dot","data":"<svg stroke=\"red\"/>\n","isDeletable":true,"isActive":true}]})";
+constexpr const char* ONE_RETICLE_TABLE =
+    "INDEX  ACTIVE  NAME  DELETABLE  COLOUR  BYTES\n"
+    "    4  *       Dot   yes        red        20\n";
+
+struct Outcome {
+    ExitStatus status;
+    std::string out;
+    std::string err;
+};
+
+Outcome runProgram(const std::vector<std::string>& arguments, const std::string& input = "") {
+    std::istringstream in(input);
+    std::ostringstream out;
+    std::ostringstream err;
+    const ExitStatus status = run(arguments, in, out, err);
+    return {status, out.str(), err.str()};
+}
+
+/// What a run against a service with one answer did, and the request that it sent, if any.
+struct Exchange {
+    Outcome outcome;
+    std::string request;
+};
+
+Exchange exchange(std::vector<std::string> arguments, const std::string& answer = ONE_RETICLE,
+                  const std::string& input = "") {
+    std::vector<std::string> requests;
+    Outcome outcome;
+    {
+        const FakeService service(answering(framed(answer), &requests));
+        arguments.insert(arguments.begin(), {"--port", std::to_string(service.port())});
+        outcome = runProgram(arguments, input);
+    }
+    return {outcome, requests.empty() ? "" : requests.front()};
+}
+
+Outcome runAgainst(FakeService::Script script) {
+    const FakeService service(std::move(script));
+    return runProgram({"--port", std::to_string(service.port()), "--timeout", "0.2", "list"});
+}
+
+void expectOneErrorLine(const Outcome& outcome, ExitStatus status, const std::string& part) {
+    EXPECT_EQ(outcome.status, status);
+    EXPECT_TRUE(outcome.err.starts_with("reticlectl: ")) << outcome.err;
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_NE(outcome.err.find(part), std::string::npos) << outcome.err;
+}
+
+void expectUsageError(const std::vector<std::string>& arguments, const std::string& part) {
+    const Exchange run = exchange(arguments);
+    expectOneErrorLine(run.outcome, ExitStatus::USAGE, part);
+    EXPECT_EQ(run.outcome.out, "");
+    EXPECT_EQ(run.request, "");
+}
+
+/// A directory of its own for each test.
+class CommandLine : public testing::Test {
+protected:
+    CommandLine() {
+        std::string pattern = testing::TempDir() + "reticlectl-XXXXXX";
+        _directory = ::mkdtemp(pattern.data());
+    }
+    ~CommandLine() override { std::filesystem::remove_all(_directory); }
+
+    std::string writeFile(const std::string& name, const std::string& content) {
+        std::ofstream(pathOf(name), std::ios::binary) << content;
+        return pathOf(name);
+    }
+    std::string readFile(const std::string& name) {
+        std::ostringstream text;
+        text << std::ifstream(pathOf(name), std::ios::binary).rdbuf();
+        return text.str();
+    }
+    [[nodiscard]] std::string pathOf(const std::string& name) const { return _directory / name; }
+
+private:
+    std::filesystem::path _directory;
+};
+
+TEST_F(CommandLine, ListPrintsTheTable) {
+    const Exchange run = exchange({"list"});
+    EXPECT_EQ(run.request, LIST_REQUEST);
+    EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
+    EXPECT_EQ(run.outcome.out, ONE_RETICLE_TABLE);
+    EXPECT_EQ(run.outcome.err, "");
+}
+
+TEST_F(CommandLine, JsonPrintsTheReplyAsItCame) {
+    EXPECT_EQ(exchange({"list", "--json"}).outcome.out, std::string(ONE_RETICLE) + '\n');
+    EXPECT_EQ(exchange({"--json", "list"}).outcome.out, std::string(ONE_RETICLE) + '\n');
+    EXPECT_EQ(exchange({"activate", "4", "--json"}).outcome.out, std::string(ONE_RETICLE) + '\n');
+}
+
+TEST_F(CommandLine, AnEmptyListIsDone) {
+    const Exchange run = exchange({"list"}, R"({"result":"OK","reticles":null})");
+    EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
+    EXPECT_TRUE(run.outcome.out.starts_with("no reticles: ")) << run.outcome.out;
+}
+
+TEST_F(CommandLine, ActivatePrintsTheListAfterIt) {
+    const Exchange run = exchange({"activate", "4"});
+    EXPECT_EQ(run.request, R"({"action":"RETICLE_SET_ACTIVE","index":4})");
+    EXPECT_EQ(run.outcome.out, ONE_RETICLE_TABLE);
+}
+
+TEST_F(CommandLine, AddSendsFilesAsTheyAre) {
+    const std::string first = writeFile("first.svg", "<svg>\r\n\xC3\xA9</svg>\n");
+    const std::string second = writeFile("second", "");
+    const Exchange run = exchange({"add", "One", first, "Two", second});
+    EXPECT_EQ(run.request,
+              "{\"action\":\"RETICLES_ADD_OR_UPDATE\",\"reticles\":["
+              "{\"data\":\"<svg>\\r\\n\xC3\xA9</svg>\\n\",\"name\":\"One\"},"
+              "{\"data\":\"\",\"name\":\"Two\"}]}");
+    EXPECT_EQ(run.outcome.out, ONE_RETICLE_TABLE);
+}
+
+TEST_F(CommandLine, AddReadsStandardInput) {
+    EXPECT_EQ(
+        exchange({"add", "One", "-"}, ONE_RETICLE, "piped\n").request,
+        R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"piped\n","name":"One"}]})");
+}
+
+TEST_F(CommandLine, NamesMayLookLikeAnything) {
+    const std::string file = writeFile("f", "x");
+    for (const char* name : {"list", "[a,b]", "[a]", "", "{}", "7", "a b"}) {
+        EXPECT_EQ(exchange({"add", "first", file, name, file}).request,
+                  R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"x","name":"first"},)"
+                  R"({"data":"x","name":")" +
+                      std::string(name) + R"("}]})");
+    }
+}
+
+TEST_F(CommandLine, UpdateNamesIndexNameAndFile) {
+    const std::string file = writeFile("f", "new");
+    EXPECT_EQ(
+        exchange({"update", "4", "Dot 2", file}).request,
+        R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"new","index":4,"name":"Dot 2"}]})");
+}
+
+TEST_F(CommandLine, DeleteTakesSeveralIndices) {
+    const Exchange run = exchange({"delete", "3", "1", "3"});
+    EXPECT_EQ(run.request, R"({"action":"RETICLES_DELETE","indices":[3,1,3]})");
+    EXPECT_EQ(run.outcome.out, ONE_RETICLE_TABLE);
+}
+
+TEST_F(CommandLine, ShowPrintsTheDataByteForByte) {
+    const Exchange run = exchange({"show", "4"});
+    EXPECT_EQ(run.request, LIST_REQUEST);
+    EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
+    EXPECT_EQ(run.outcome.out, "<svg stroke=\"red\"/>\n");
+}
+
+TEST_F(CommandLine, ShowWritesToAFile) {
+    const Exchange run = exchange({"show", "4", "--output", pathOf("out.svg")});
+    EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
+    EXPECT_EQ(run.outcome.out, "");
+    EXPECT_EQ(readFile("out.svg"), "<svg stroke=\"red\"/>\n");
+}
+
+TEST_F(CommandLine, ShowAsJsonIsTheWholeReply) {
+    EXPECT_EQ(exchange({"show", "4", "--json"}).outcome.out, std::string(ONE_RETICLE) + '\n');
+}
+
+TEST_F(CommandLine, ShowOfAnIndexThatIsNotListedIsARefusal) {
+    const Exchange run = exchange({"show", "5", "--output", pathOf("out.svg")});
+    expectOneErrorLine(run.outcome, ExitStatus::REFUSED, "no reticle of index 5");
+    EXPECT_FALSE(std::filesystem::exists(pathOf("out.svg")));
+}
+
+TEST_F(CommandLine, ShowIntoAnImpossibleFileIsAUsageError) {
+    const Exchange run = exchange({"show", "4", "--output", pathOf("none/out.svg")});
+    expectOneErrorLine(run.outcome, ExitStatus::USAGE, "No such file or directory");
+}
+
+TEST_F(CommandLine, ARefusalSaysItsNameAndMeaning) {
+    const Exchange run = exchange({"delete", "0"}, R"({"result":"RETICLE_CANT_BE_DELETED"})");
+    expectOneErrorLine(run.outcome, ExitStatus::REFUSED,
+                       "RETICLE_CANT_BE_DELETED: factory reticles");
+    EXPECT_EQ(run.outcome.out, "");
+}
+
+TEST_F(CommandLine, ARefusalWithoutANameSaysSo) {
+    const Exchange run = exchange({"list"}, R"({"result":""})");
+    expectOneErrorLine(run.outcome, ExitStatus::REFUSED,
+                       "\"\": a code that the service has no name for");
+}
+
+TEST_F(CommandLine, ARefusalAsJsonIsPrintedToo) {
+    const Exchange run = exchange({"list", "--json"}, R"({"result":"UNKNOWN_ACTION"})");
+    expectOneErrorLine(run.outcome, ExitStatus::REFUSED, "UNKNOWN_ACTION");
+    EXPECT_EQ(run.outcome.out, "{\"result\":\"UNKNOWN_ACTION\"}\n");
+}
+
+TEST_F(CommandLine, AResultNameCannotSteerTheTerminal) {
+    const Exchange run = exchange({"list"}, R"({"result":"a\u001b[2Jb\nc"})");
+    expectOneErrorLine(run.outcome, ExitStatus::REFUSED, "a\\x1B[2Jb\\nc");
+}
+
+TEST_F(CommandLine, WrongCommandLinesAreUsageErrors) {
+    expectUsageError({}, "A subcommand is required");
+    expectUsageError({"lst"}, "unknown command or option lst");
+    expectUsageError({"list", "--jsno"}, "--jsno");
+    expectUsageError({"list", "--timeout", "0"}, "--timeout");
+    expectUsageError({"list", "--timeout", "nan"}, "--timeout");
+    expectUsageError({"list", "--timeout", "1e9"}, "--timeout");
+    expectUsageError({"list", "--host"}, "--host");
+    expectUsageError({"activate"}, "INDEX is required");
+    expectUsageError({"activate", "1", "2"}, "2");
+    expectUsageError({"update", "1", "Dot"}, "FILE is required");
+    expectUsageError({"add", "Dot"}, "FILE is required");
+}
+
+TEST_F(CommandLine, OnlyDecimalNumbersAreIndices) {
+    for (const char* index :
+         {"true", "010", "0x1", "-1", "1.5", "", "[1]", " 1", "1,2", "99999999999"}) {
+        expectUsageError({"activate", index}, "INDEX");
+        expectUsageError({"delete", "1", index}, "INDEX");
+    }
+}
+
+TEST_F(CommandLine, APortBeyondTheLastIsAUsageError) {
+    expectOneErrorLine(runProgram({"list", "--port", "65536"}), ExitStatus::USAGE, "--port");
+    expectOneErrorLine(runProgram({"list", "--port", "0"}), ExitStatus::USAGE, "--port");
+}
+
+TEST_F(CommandLine, ANameWithoutFileIsAUsageError) {
+    expectUsageError({"add", "One", writeFile("f", "x"), "Two"}, "a NAME without FILE");
+}
+
+TEST_F(CommandLine, StandardInputCanBeReadOnce) {
+    expectUsageError({"add", "One", "-", "Two", "-"}, "standard input can be read for one");
+}
+
+TEST_F(CommandLine, AFileThatCannotBeReadIsAUsageError) {
+    expectUsageError({"add", "One", pathOf("none")}, "none: No such file or directory");
+    expectUsageError({"update", "1", "One", pathOf("")}, ": Is a directory");
+}
+
+TEST_F(CommandLine, WhatJsonCannotCarryIsAUsageError) {
+    expectUsageError({"add", "One", writeFile("f", "\xFF")}, "is not UTF-8");
+    expectUsageError({"add", "One", writeFile("f", std::string("a\0b", 3))}, "holds a NUL");
+    expectUsageError({"add", "caf\xE9", writeFile("f", "x")}, "is not UTF-8");
+}
+
+TEST_F(CommandLine, WhatDoesNotFitAFrameIsAUsageError) {
+    expectUsageError({"add", "One", writeFile("f", std::string(4194304, 'x'))}, "too large");
+    expectUsageError({"update", "1", "One", "/dev/zero"}, "too large");
+}
+
+TEST_F(CommandLine, NobodyListeningIsCannotConnect) {
+    const auto port = std::to_string(reticle::test::unusedPort());
+    expectOneErrorLine(runProgram({"list", "--port", port}), ExitStatus::CANNOT_CONNECT,
+                       "cannot connect to 127.0.0.1:" + port + ": Connection refused: check ");
+}
+
+TEST_F(CommandLine, SilenceIsNoReply) {
+    expectOneErrorLine(runAgainst([](FakePeer& peer) { peer.waitForClose(); }),
+                       ExitStatus::NO_REPLY, " within 0.2 s: check ");
+}
+
+TEST_F(CommandLine, AConnectionClosedWithoutReplyIsNoReply) {
+    expectOneErrorLine(runAgainst([](FakePeer& peer) { peer.receiveRequest(); }),
+                       ExitStatus::NO_REPLY, "closed the connection without a reply: check ");
+}
+
+TEST_F(CommandLine, AForeignServerIsAMalformedReply) {
+    expectOneErrorLine(runAgainst(answering("HTTP/1.1 400 Bad Request\r\n\r\n")),
+                       ExitStatus::MALFORMED_REPLY, ": check ");
+}
+
+TEST_F(CommandLine, ABodyThatIsNotJsonIsAMalformedReply) {
+    expectOneErrorLine(runAgainst(answering(framed("oops"))), ExitStatus::MALFORMED_REPLY,
+                       "(not JSON): check ");
+}
+
+TEST_F(CommandLine, AReplyOfAWrongShapeIsAMalformedReply) {
+    expectOneErrorLine(runAgainst(answering(framed(R"({"result":"OK","reticles":7})"))),
+                       ExitStatus::MALFORMED_REPLY, "\"reticles\" is not a list");
+}
+
+TEST_F(CommandLine, OutputThatCannotBeWrittenIsReported) {
+    const FakeService service(answering(framed(ONE_RETICLE)));
+    std::istringstream in;
+    std::ofstream full("/dev/full");
+    std::ostringstream err;
+    const ExitStatus status =
+        run({"list", "--port", std::to_string(service.port())}, in, full, err);
+    expectOneErrorLine({status, "", err.str()}, ExitStatus::USAGE, "cannot write the output");
+}
+
+TEST_F(CommandLine, HelpAndVersionAreDone) {
+    const Outcome help = runProgram({"--help"});
+    EXPECT_EQ(help.status, ExitStatus::DONE);
+    for (const char* word : {"list", "activate", "add", "update", "delete", "show", "--host",
+                             "--port", "--timeout", "--json", "Exit status: 0 done, 1 refused"}) {
+        EXPECT_NE(help.out.find(word), std::string::npos) << word;
+    }
+    EXPECT_EQ(runProgram({"add", "--help"}).status, ExitStatus::DONE);
+    const Outcome version = runProgram({"--version"});
+    EXPECT_EQ(version.status, ExitStatus::DONE);
+    EXPECT_EQ(version.out, "reticlectl " RETICLED_VERSION "\n");
+}
+
+}  // namespace
+
+}  // namespace reticlectl

@@ -1,0 +1,48 @@
+#include <gtest/gtest.h>
+
+#include "tools/reticlectl/DisplayText.h"
+
+namespace reticlectl {
+
+namespace {
+
+TEST(Printable, LeavesTextAsItIs) {
+    EXPECT_EQ(printable("Mil-Dot 10x42 \\ Kr\xC3\xA4uz \xE5\x8D\x81 \xF0\x9F\x8E\xAF"),
+              "Mil-Dot 10x42 \\ Kr\xC3\xA4uz \xE5\x8D\x81 \xF0\x9F\x8E\xAF");
+    EXPECT_EQ(printable(""), "");
+}
+
+TEST(Printable, EscapesControlCharacters) {
+    EXPECT_EQ(printable("a\nb\tc\rd"), "a\\nb\\tc\\rd");
+    EXPECT_EQ(printable("\x1B[31mred\a"), "\\x1B[31mred\\x07");
+    EXPECT_EQ(printable({"a\0b\x7F", 4}), "a\\x00b\\x7F");
+    EXPECT_EQ(printable("\xC2\x9B"
+                        "31m"),
+              "\\x9B31m");
+}
+
+TEST(Printable, EscapesWhatTurnsTheLineAround) {
+    EXPECT_EQ(printable("a\xE2\x80\xAE"
+                        "b"),
+              "a\\u202Eb");
+    EXPECT_EQ(printable("\xE2\x81\xA6"), "\\u2066");
+    EXPECT_EQ(printable("\xE2\x80\xA8"), "\\u2028");
+}
+
+TEST(Printable, EscapesBytesThatAreNotUtf8) {
+    EXPECT_EQ(printable("caf\xE9!"), "caf\\xE9!");
+    EXPECT_EQ(printable("\xC3"), "\\xC3");
+}
+
+TEST(DisplayWidth, CountsColumnsInsteadOfBytes) {
+    EXPECT_EQ(displayWidth(""), 0U);
+    EXPECT_EQ(displayWidth("Dot"), 3U);
+    EXPECT_EQ(displayWidth("Kr\xC3\xA4uz"), 5U);
+    EXPECT_EQ(displayWidth("\xE5\x8D\x81\xE5\xAD\x97"), 4U);
+    EXPECT_EQ(displayWidth("\xF0\x9F\x8E\xAF"), 2U);
+    EXPECT_EQ(displayWidth("e\xCC\x81"), 1U);
+}
+
+}  // namespace
+
+}  // namespace reticlectl

@@ -1,0 +1,154 @@
+#include "tests/unit/client/FakeService.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+#include <array>
+#include <cstddef>
+#include <stdexcept>
+#include <utility>
+
+namespace reticle::test {
+
+namespace {
+
+constexpr int PATIENCE_S = 10;
+constexpr std::size_t HEADER_BYTES = 36;
+
+void require(bool done, const char* what) {
+    if (!done) {
+        throw std::runtime_error(what);
+    }
+}
+
+Socket listenOnLoopback() {
+    Socket listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    // Small, so that a long request cannot be sent in one piece.
+    const int receiveBytes = 4096;
+    ::setsockopt(listener.descriptor(), SOL_SOCKET, SO_RCVBUF, &receiveBytes, sizeof receiveBytes);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): what bind takes
+    const auto* general = reinterpret_cast<const sockaddr*>(&address);
+    require(::bind(listener.descriptor(), general, sizeof address) == 0, "bind");
+    require(::listen(listener.descriptor(), 1) == 0, "listen");
+    return listener;
+}
+
+std::uint16_t portOf(const Socket& listener) {
+    sockaddr_in address{};
+    socklen_t size = sizeof address;
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): what getsockname takes
+    auto* general = reinterpret_cast<sockaddr*>(&address);
+    require(::getsockname(listener.descriptor(), general, &size) == 0, "getsockname");
+    return ntohs(address.sin_port);
+}
+
+/// Up to `size` bytes; fewer when the client closes first.
+std::string receiveAll(const Socket& socket, std::size_t size) {
+    std::string text(size, '\0');
+    const ssize_t received = ::recv(socket.descriptor(), text.data(), size, MSG_WAITALL);
+    text.resize(received > 0 ? static_cast<std::size_t>(received) : 0);
+    return text;
+}
+
+}  // namespace
+
+FakePeer::FakePeer(Socket socket) : _socket(std::move(socket)) {
+    const timeval patience{PATIENCE_S, 0};
+    ::setsockopt(_socket.descriptor(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+    ::setsockopt(_socket.descriptor(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+}
+
+std::string FakePeer::receiveRequest() {
+    const std::string header = receiveAll(_socket, HEADER_BYTES);
+    if (header.size() < HEADER_BYTES) {
+        return "";
+    }
+    std::size_t length = 0;
+    for (std::size_t i = HEADER_BYTES - sizeof(std::uint32_t); i < HEADER_BYTES; ++i) {
+        length = length * 256 + static_cast<unsigned char>(header[i]);
+    }
+    return receiveAll(_socket, length);
+}
+
+void FakePeer::send(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t sent = ::send(_socket.descriptor(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (sent < 0) {
+            return;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(sent));
+    }
+}
+
+bool FakePeer::hasClosed(int timeoutMs) const {
+    pollfd entry{_socket.descriptor(), POLLIN, 0};
+    return ::poll(&entry, 1, timeoutMs) != 0;
+}
+
+void FakePeer::waitForClose() {
+    while (!receiveAll(_socket, 1).empty()) {
+    }
+}
+
+void FakePeer::resetOnClose() {
+    const linger immediately{1, 0};
+    ::setsockopt(_socket.descriptor(), SOL_SOCKET, SO_LINGER, &immediately, sizeof immediately);
+}
+
+FakeService::FakeService(Script script)
+    : _script(std::move(script)),
+      _listener(listenOnLoopback()),
+      _port(portOf(_listener)),
+      _thread(&FakeService::_serve, this) {}
+
+FakeService::~FakeService() {
+    ::shutdown(_listener.descriptor(), SHUT_RDWR);
+    _thread.join();
+}
+
+void FakeService::_serve() {
+    while (true) {
+        Socket client(::accept(_listener.descriptor(), nullptr, nullptr));
+        if (!client.isOpen()) {
+            return;
+        }
+        FakePeer peer(std::move(client));
+        _script(peer);
+    }
+}
+
+FakeService::Script answering(std::string bytes, std::vector<std::string>* requests) {
+    return [bytes = std::move(bytes), requests](FakePeer& peer) {
+        const std::string request = peer.receiveRequest();
+        if (requests != nullptr) {
+            requests->push_back(request);
+        }
+        peer.send(bytes);
+        peer.waitForClose();
+    };
+}
+
+std::string framed(std::string_view body) {
+    constexpr std::string_view SYNC(
+        "\x00\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F"
+        "\x10\x11\x12\x13\x14\x15\x16\x17\x18\x19\x1A\x1B\x1C\x1D\x1E\x1F",
+        32);
+    const std::size_t size = body.size();
+    std::string frame(SYNC);
+    frame += {static_cast<char>(size >> 24U), static_cast<char>(size >> 16U),
+              static_cast<char>(size >> 8U), static_cast<char>(size)};
+    frame += body;
+    return frame;
+}
+
+std::uint16_t unusedPort() {
+    return portOf(listenOnLoopback());
+}
+
+}  // namespace reticle::test

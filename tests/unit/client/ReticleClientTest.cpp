@@ -1,0 +1,278 @@
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/socket.h>
+
+#include <atomic>
+#include <csignal>
+#include <filesystem>
+#include <thread>
+
+#include "client/ReticleClient.h"
+#include "tests/unit/client/FakeService.h"
+
+namespace reticle {
+
+namespace {
+
+using std::chrono_literals::operator""ms;
+using std::chrono_literals::operator""s;
+using test::answering;
+using test::FakePeer;
+using test::FakeService;
+using test::framed;
+
+constexpr const char* HOST = "127.0.0.1";
+constexpr const char* EMPTY_LIST = R"({"result":"OK","reticles":null})";
+constexpr const char* ONE_RETICLE =
+    R"({"result":"OK","reticles":[)"
+    R"({"index":4,"name":"Dot","data":"<svg/>","isDeletable":true,"isActive":true}]})";
+
+/// The request that `call` sends.
+template <class Call>
+std::string requestOf(Call call) {
+    std::vector<std::string> requests;
+    {
+        const FakeService service(answering(framed(EMPTY_LIST), &requests));
+        ReticleClient client(HOST, service.port(), 10s);
+        call(client);
+    }
+    return requests.at(0);
+}
+
+TEST(ReticleClient, SendsEachCommandOnce) {
+    EXPECT_EQ(requestOf([](ReticleClient& client) { client.list(); }),
+              R"({"action":"RETICLES_GET_ALL"})");
+    EXPECT_EQ(requestOf([](ReticleClient& client) { client.activate(1); }),
+              R"({"action":"RETICLE_SET_ACTIVE","index":1})");
+    EXPECT_EQ(requestOf([](ReticleClient& client) {
+                  client.add({{"a", "b"}});
+              }),
+              R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"b","name":"a"}]})");
+    EXPECT_EQ(
+        requestOf([](ReticleClient& client) { client.update(7, "a", "b"); }),
+        R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"b","index":7,"name":"a"}]})");
+    EXPECT_EQ(requestOf([](ReticleClient& client) {
+                  client.remove({1, 2});
+              }),
+              R"({"action":"RETICLES_DELETE","indices":[1,2]})");
+}
+
+TEST(ReticleClient, ReturnsTheReply) {
+    const FakeService service(answering(framed(ONE_RETICLE)));
+    const Reply reply = ReticleClient(HOST, service.port(), 10s).list();
+    EXPECT_EQ(reply.json, ONE_RETICLE);
+    ASSERT_EQ(reply.reticles.size(), 1U);
+    EXPECT_EQ(reply.reticles[0].name, "Dot");
+}
+
+TEST(ReticleClient, TakesAReplyByteByByte) {
+    const FakeService service([](FakePeer& peer) {
+        peer.receiveRequest();
+        constexpr int PAUSE_MS = 1;
+        for (const char byte : framed(ONE_RETICLE)) {
+            peer.send({&byte, 1});
+            // Waits for nothing but lets the byte go out alone.
+            (void)peer.hasClosed(PAUSE_MS);
+        }
+        peer.waitForClose();
+    });
+    EXPECT_EQ(ReticleClient(HOST, service.port(), 10s).list().json, ONE_RETICLE);
+}
+
+TEST(ReticleClient, SendsALongRequestInManyPieces) {
+    const std::string data(4'000'000, 'x');
+    const std::string request = requestOf([&](ReticleClient& client) {
+        client.add({{"n", data}});
+    });
+    EXPECT_TRUE(request == R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":")" + data +
+                               R"(","name":"n"}]})");
+}
+
+TEST(ReticleClient, UsesOneConnectionForManyCalls) {
+    std::atomic<int> connections = 0;
+    const FakeService service([&](FakePeer& peer) {
+        ++connections;
+        while (!peer.receiveRequest().empty()) {
+            peer.send(framed(EMPTY_LIST));
+        }
+    });
+    ReticleClient client(HOST, service.port(), 10s);
+    client.list();
+    client.activate(1);
+    ReticleClient moved = std::move(client);
+    moved.list();
+    EXPECT_EQ(connections, 1);
+}
+
+TEST(ReticleClient, ThrowsTheRefusalAndGoesOn) {
+    std::atomic<int> connections = 0;
+    const FakeService service([&](FakePeer& peer) {
+        ++connections;
+        peer.receiveRequest();
+        peer.send(framed(R"({"result":"RETICLE_INDEX_NOT_FOUND"})"));
+        peer.receiveRequest();
+        peer.send(framed(EMPTY_LIST));
+        peer.waitForClose();
+    });
+    ReticleClient client(HOST, service.port(), 10s);
+    try {
+        client.activate(99);
+        FAIL();
+    } catch (const Refused& refusal) {
+        EXPECT_EQ(refusal.resultName(), "RETICLE_INDEX_NOT_FOUND");
+        EXPECT_EQ(refusal.reply().json, R"({"result":"RETICLE_INDEX_NOT_FOUND"})");
+        EXPECT_STREQ(refusal.what(),
+                     "refused by the device: RETICLE_INDEX_NOT_FOUND: the device has no reticle of "
+                     "this index: list the reticles to see which there are");
+    }
+    client.list();
+    EXPECT_EQ(connections, 1);
+}
+
+TEST(ReticleClient, CannotConnectWhereNobodyListens) {
+    EXPECT_THROW(ReticleClient(HOST, test::unusedPort(), 10s), CannotConnect);
+    EXPECT_THROW(ReticleClient("not an address", 1, 10s), CannotConnect);
+}
+
+TEST(ReticleClient, SilenceEndsAtTheTimeout) {
+    const FakeService service([](FakePeer& peer) { peer.waitForClose(); });
+    ReticleClient client(HOST, service.port(), 150ms);
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_THROW(client.list(), NoReply);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 150ms);
+}
+
+TEST(ReticleClient, SaysWhatToCheckWhenNothingComes) {
+    const FakeService service([](FakePeer& peer) { peer.waitForClose(); });
+    ReticleClient client(HOST, service.port(), 50ms);
+    try {
+        client.list();
+        FAIL();
+    } catch (const NoReply& error) {
+        EXPECT_EQ(
+            std::string(error.what()),
+            "no reply from 127.0.0.1:" + std::to_string(service.port()) +
+                " within 0.05 s: check the device's RTOS side and the service's log (a link to "
+                "the RTOS that was lost stays so until the service restarts)");
+    }
+}
+
+TEST(ReticleClient, AServiceThatDoesNotReadIsNoReply) {
+    const FakeService service([](FakePeer& peer) {
+        constexpr int POLL_MS = 5000;
+        // Readable only since bytes wait; none is taken until the client gives up.
+        EXPECT_TRUE(peer.hasClosed(POLL_MS));
+        peer.waitForClose();
+    });
+    ReticleClient client(HOST, service.port(), 100ms);
+    EXPECT_THROW(client.list(), NoReply);
+}
+
+TEST(ReticleClient, ALateReplyIsNotTakenForTheNext) {
+    std::atomic<int> connections = 0;
+    const FakeService service([&](FakePeer& peer) {
+        const bool isLate = ++connections == 1;
+        peer.receiveRequest();
+        if (isLate) {
+            peer.waitForClose();
+            peer.send(framed(EMPTY_LIST));
+            return;
+        }
+        peer.send(framed(ONE_RETICLE));
+        peer.waitForClose();
+    });
+    ReticleClient client(HOST, service.port(), 500ms);
+    EXPECT_THROW(client.list(), NoReply);
+    EXPECT_EQ(client.list().json, ONE_RETICLE);
+    EXPECT_EQ(connections, 2);
+}
+
+TEST(ReticleClient, ConnectsAnewAfterTheServiceWasGone) {
+    const FakeService service([](FakePeer& peer) {
+        peer.receiveRequest();
+        peer.send(framed(EMPTY_LIST));
+    });
+    ReticleClient client(HOST, service.port(), 10s);
+    client.list();
+    EXPECT_THROW(client.list(), NoReply);
+    EXPECT_NO_THROW(client.list());
+}
+
+TEST(ReticleClient, ForeignAnswersAreMalformed) {
+    for (const std::string& bytes :
+         {std::string("HTTP/1.1 400 Bad Request\r\n\r\n"), framed("not JSON"), framed("[]"),
+          framed(""), framed(R"({"result":"OK"})")}) {
+        const FakeService service(answering(bytes));
+        ReticleClient client(HOST, service.port(), 10s);
+        EXPECT_THROW(client.list(), MalformedReply) << bytes;
+    }
+}
+
+TEST(ReticleClient, WhatCannotBeSentIsNotSent) {
+    std::vector<std::string> requests;
+    {
+        const FakeService service(answering(framed(EMPTY_LIST), &requests));
+        ReticleClient client(HOST, service.port(), 10s);
+        EXPECT_THROW(client.add({{"\xFF", ""}}), InvalidText);
+        EXPECT_THROW(client.update(1, "n", std::string(4194304, 'x')), RequestTooLarge);
+        EXPECT_THROW(client.update(-1, "n", ""), InvalidRequest);
+        client.list();
+    }
+    EXPECT_EQ(requests, std::vector<std::string>{R"({"action":"RETICLES_GET_ALL"})"});
+}
+
+TEST(ReticleClient, EveryErrorHasTheOneBase) {
+    EXPECT_THROW(ReticleClient(HOST, test::unusedPort(), 10s), ClientError);
+    const FakeService service([](FakePeer&) {});
+    EXPECT_THROW(ReticleClient(HOST, service.port(), 10s).list(), ClientError);
+}
+
+std::atomic<int> interruptions = 0;
+
+TEST(ReticleClient, GoesOnWaitingAfterASignal) {
+    struct sigaction handler {};
+    handler.sa_handler = [](int) { ++interruptions; };
+    struct sigaction before {};
+    ::sigaction(SIGUSR1, &handler, &before);
+    const pthread_t waiting = ::pthread_self();
+    const FakeService service([waiting](FakePeer& peer) {
+        peer.receiveRequest();
+        for (int sent = 1; sent <= 3; ++sent) {
+            ::pthread_kill(waiting, SIGUSR1);
+            while (interruptions < sent) {
+                std::this_thread::yield();
+            }
+        }
+        peer.send(framed(EMPTY_LIST));
+        peer.waitForClose();
+    });
+    EXPECT_EQ(ReticleClient(HOST, service.port(), 10s).list().json, EMPTY_LIST);
+    ::sigaction(SIGUSR1, &before, nullptr);
+}
+
+std::ptrdiff_t openDescriptors() {
+    const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+    return std::distance(begin(descriptors), end(descriptors));
+}
+
+TEST(ReticleClient, GivesItsSocketBackOnEveryPath) {
+    const FakeService service(answering("garbage"));
+    const std::uint16_t unused = test::unusedPort();
+    const auto before = openDescriptors();
+    {
+        ReticleClient client(HOST, service.port(), 10s);
+        EXPECT_THROW(client.list(), MalformedReply);
+        EXPECT_THROW(ReticleClient(HOST, unused, 10s), CannotConnect);
+        const ReticleClient idle(HOST, service.port(), 10s);
+    }
+    // The server's thread closes its ends on its own time.
+    const auto limit = std::chrono::steady_clock::now() + 10s;
+    while (openDescriptors() != before && std::chrono::steady_clock::now() < limit) {
+        std::this_thread::yield();
+    }
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+}  // namespace
+
+}  // namespace reticle

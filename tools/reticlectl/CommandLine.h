@@ -1,0 +1,17 @@
+#pragma once
+
+#include <istream>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "tools/reticlectl/ExitStatus.h"
+
+namespace reticlectl {
+
+/// Runs the program: reads the command line, carries out its command and reports a failure as one
+/// line on `err`. \param arguments without the program's name.
+ExitStatus run(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
+               std::ostream& err);
+
+}  // namespace reticlectl

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <CLI/App.hpp>
+
+#include "tools/reticlectl/Session.h"
+
+namespace reticlectl {
+
+/// Each declares one command and its arguments. The command runs when the whole command line has
+/// been read, and throws reticle::ClientError or Failure. `session` must outlive `app`.
+void addListCommand(CLI::App& app, const Session& session);
+void addActivateCommand(CLI::App& app, const Session& session);
+void addAddCommand(CLI::App& app, const Session& session);
+void addUpdateCommand(CLI::App& app, const Session& session);
+void addDeleteCommand(CLI::App& app, const Session& session);
+void addShowCommand(CLI::App& app, const Session& session);
+
+}  // namespace reticlectl

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include <CLI/App.hpp>
+
+namespace reticlectl {
+
+/// Accepts decimal numbers alone: by itself the parser also takes "true" for 1 and "010" for 8.
+/// \returns what is wrong with `text`, nothing when it is an index.
+[[nodiscard]] std::string checkIndex(const std::string& text);
+
+/// Declares the argument INDEX of a command.
+/// \param value an int, or a vector of them for a command that takes several; must outlive the
+/// parsing.
+template <class Value>
+void addIndexArgument(CLI::App& command, Value& value) {
+    command.add_option("INDEX", value, "The reticle's index, as the list shows it")
+        ->required()
+        ->check(&checkIndex);
+}
+
+}  // namespace reticlectl

@@ -1,0 +1,66 @@
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <string>
+
+#include "tools/reticlectl/Commands.h"
+#include "tools/reticlectl/Failure.h"
+#include "tools/reticlectl/IndexArgument.h"
+
+namespace reticlectl {
+
+namespace {
+
+struct Arguments {
+    int index = 0;
+    /// Empty for standard output.
+    std::string output;
+};
+
+const std::string& dataOf(const reticle::Reply& reply, int index) {
+    const auto found =
+        std::find_if(reply.reticles.begin(), reply.reticles.end(),
+                     [index](const reticle::Reticle& reticle) { return reticle.index == index; });
+    if (found == reply.reticles.end()) {
+        throw Failure(ExitStatus::REFUSED, "the device lists no reticle of index " +
+                                               std::to_string(index) +
+                                               ": list the reticles to see which there are");
+    }
+    return found->data;
+}
+
+void writeFile(const std::string& file, const std::string& text) {
+    errno = 0;
+    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+    stream << text << std::flush;
+    if (!stream) {
+        throw Failure(ExitStatus::USAGE, "cannot write " + file + ": " + std::strerror(errno) +
+                                             ": check the path and the room there");
+    }
+}
+
+void show(const Session& session, const Arguments& arguments) {
+    const reticle::Reply reply = session.connect().list();
+    const std::string& data = dataOf(reply, arguments.index);
+    const std::string& text = session.wantsJson ? reply.json + '\n' : data;
+    if (arguments.output.empty()) {
+        session.out << text;
+    } else {
+        writeFile(arguments.output, text);
+    }
+}
+
+}  // namespace
+
+void addShowCommand(CLI::App& app, const Session& session) {
+    auto* command = app.add_subcommand("show", "Print a reticle's data, the user's colour put in");
+    const auto arguments = std::make_shared<Arguments>();
+    addIndexArgument(*command, arguments->index);
+    command->add_option("--output", arguments->output, "Write to this file instead")
+        ->type_name("FILE");
+    command->callback([&session, arguments] { show(session, *arguments); });
+}
+
+}  // namespace reticlectl

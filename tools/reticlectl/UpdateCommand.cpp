@@ -1,0 +1,35 @@
+#include <memory>
+#include <string>
+
+#include "tools/reticlectl/Commands.h"
+#include "tools/reticlectl/IndexArgument.h"
+#include "tools/reticlectl/InputFile.h"
+
+namespace reticlectl {
+
+namespace {
+
+struct Arguments {
+    int index = 0;
+    std::string name;
+    std::string file;
+};
+
+void update(const Session& session, const Arguments& arguments) {
+    std::string data = readText(arguments.file, session.in);
+    session.print(session.connect().update(arguments.index, arguments.name, std::move(data)));
+}
+
+}  // namespace
+
+void addUpdateCommand(CLI::App& app, const Session& session) {
+    auto* command = app.add_subcommand("update", "Replace a reticle's name and data");
+    const auto arguments = std::make_shared<Arguments>();
+    addIndexArgument(*command, arguments->index);
+    command->add_option("NAME", arguments->name, "Its new name")->required();
+    command->add_option("FILE", arguments->file, "Its new data, UTF-8 text; - is standard input")
+        ->required();
+    command->callback([&session, arguments] { update(session, *arguments); });
+}
+
+}  // namespace reticlectl
