@@ -37,8 +37,8 @@ TEST(FactoryReticles, holdOneActiveAndOneDeletableReticle) {
 }
 
 TEST(FactoryReticles, areSelfContainedPicturesInTheUsersColour) {
-    const std::regex otherPaint("(stroke|fill)=\"(?!user_color\"|none\")");
-    const std::regex foreignReference("(href|src|url)\\W*[=(]\\W*\"(?!#)");
+    const std::regex otherPaint(R"re((stroke|fill)="(?!user_color"|none"))re");
+    const std::regex foreignReference(R"re((href|src|url)\W*[=(]\W*"(?!#))re");
     for (const auto& [name, view] : factoryReticleTexts()) {
         const std::string text(view);
         EXPECT_TRUE(text.starts_with("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\""))
