@@ -30,15 +30,16 @@ std::string inSeconds(std::chrono::milliseconds time) {
     return text.str();
 }
 
-/// \returns false when the deadline passed first.
+/// \returns false when the deadline has passed, even for a peer that always has something to say.
 bool isReady(int socket, short events, const Deadline& deadline) {
-    while (true) {
+    while (const int leftMs = deadline.leftMs()) {
         pollfd entry{socket, events, 0};
-        const int count = ::poll(&entry, 1, deadline.leftMs());
-        if (count >= 0 || errno != EINTR) {
-            return count != 0;
+        const int count = ::poll(&entry, 1, leftMs);
+        if (count > 0 || (count < 0 && errno != EINTR)) {
+            return true;
         }
     }
+    return false;
 }
 
 Addresses lookUp(const std::string& host, std::uint16_t port, const std::string& peer) {
@@ -110,8 +111,7 @@ void Connection::send(std::string_view bytes, const Deadline& deadline) {
 
 std::size_t Connection::receive(std::string& text, std::size_t atMost, const Deadline& deadline) {
     constexpr std::size_t CHUNK_BYTES = 65536;
-    std::array<char, CHUNK_BYTES>
-        chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): recv fills it
+    std::array<char, CHUNK_BYTES> chunk{};
     while (true) {
         _waitFor(POLLIN, deadline);
         const ssize_t received =

@@ -22,16 +22,19 @@ std::string write(const Json::Value& value, const char* indentation) {
 
 Json::Value parseJson(const std::string& text) {
     Json::CharReaderBuilder builder;
-    builder["collectComments"] = false;
-    builder["failIfExtra"] = true;
+    Json::CharReaderBuilder::strictMode(&builder.settings_);
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     Json::Value value;
     std::string errors;
-    if (!reader->parse(text.data(), text.data() + text.size(), &value, &errors)) {
-        std::replace(errors.begin(), errors.end(), '\n', ' ');
-        throw std::runtime_error(errors);
+    try {
+        if (reader->parse(text.data(), text.data() + text.size(), &value, &errors)) {
+            return value;
+        }
+    } catch (const Json::Exception& tooDeep) {
+        errors = tooDeep.what();
     }
-    return value;
+    std::replace(errors.begin(), errors.end(), '\n', ' ');
+    throw std::runtime_error(errors);
 }
 
 std::string compactJson(const Json::Value& value) {

@@ -6,7 +6,7 @@
 
 namespace sim {
 
-/// Parses one JSON text of any kind.
+/// Parses one array or object, strictly: no comments, no key twice, nothing before or after it.
 /// \throws std::runtime_error that says on one line what is wrong with it.
 [[nodiscard]] Json::Value parseJson(const std::string& text);
 

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <memory>
 #include <ostream>
+#include <string>
+#include <system_error>
 #include <utility>
 
 #include "simulator/Connection.h"
@@ -14,10 +16,18 @@ namespace {
 /// After a failed accept, for want of descriptors say: at once it would only fail again.
 constexpr std::chrono::milliseconds ACCEPT_RETRY{100};
 
+asio::ip::tcp::acceptor listenOn(asio::io_context& io, std::uint16_t port) {
+    try {
+        return {io, {asio::ip::address_v4::loopback(), port}};
+    } catch (const std::system_error& error) {
+        throw std::system_error(error.code(), "cannot listen on 127.0.0.1:" + std::to_string(port));
+    }
+}
+
 }  // namespace
 
 Server::Server(asio::io_context& io, std::uint16_t port, std::ostream& log)
-    : _log(log), _acceptor(io, {asio::ip::address_v4::loopback(), port}, true), _retry(io) {}
+    : _log(log), _acceptor(listenOn(io, port)), _retry(io) {}
 
 void Server::start(ExchangeFunction exchange) {
     _exchange = std::move(exchange);

@@ -19,7 +19,7 @@ public:
     /// Listens at once; connections wait until `start` and the io_context's run.
     /// \param io, log outlive the server
     /// \param port 0 for any free one
-    /// \throws std::system_error when the port is taken or not allowed.
+    /// \throws std::system_error, naming the address, when the port is taken or not allowed.
     Server(asio::io_context& io, std::uint16_t port, std::ostream& log);
 
     /// Takes connections from now on.

@@ -25,7 +25,8 @@ public:
     /// The list file that faults show to the service instead of the real one.
     static constexpr const char* FAULTY_LIST_FILE = "faulty_list.json";
 
-    /// Makes `root` and the directory for reticle files where they are missing.
+    /// Makes `root` and the directory for reticle files where they are missing, and removes the
+    /// FAULTY_LIST_FILE of an earlier run.
     explicit Storage(std::filesystem::path root);
 
     /// The list as last saved; none where no list file exists.
@@ -55,7 +56,6 @@ public:
 private:
     [[nodiscard]] std::optional<std::filesystem::path> _resolve(
         const std::string& deviceName) const;
-    void _replace(const std::filesystem::path& path, std::string_view text);
     void _removeUnlisted(const ReticleList& list);
 
     std::filesystem::path _root;

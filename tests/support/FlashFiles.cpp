@@ -27,6 +27,7 @@ FlashFiles::~FlashFiles() {
 }
 
 void FlashFiles::write(const std::string& name, std::string_view content) const {
+    fs::create_directories(fs::path(ROOT + name).parent_path());
     std::ofstream file(ROOT + name, std::ios::binary | std::ios::trunc);
     file << content;
     if (!file.flush()) {

@@ -13,7 +13,8 @@ public:
     FlashFiles& operator=(const FlashFiles&) = delete;
     ~FlashFiles();
 
-    /// Writes a file. `name` is relative to /tmp/FL0/ ("list.json", "reticle/dot.svg").
+    /// Writes a file, its directories as well. `name` is relative to /tmp/FL0/ ("list.json",
+    /// "reticle/dot.svg").
     void write(const std::string& name, std::string_view content) const;
 
     [[nodiscard]] bool exists(const std::string& name) const;

@@ -1,0 +1,46 @@
+#include "bench/common/SingleThreadServer.h"
+
+#include <unistd.h>
+
+#include <utility>
+
+#include "bench/common/Frame.h"
+#include "bench/common/Sockets.h"
+
+namespace reticled::bench {
+namespace {
+
+constexpr int NO_TIMEOUT = -1;
+/// poll passes over negative descriptors.
+constexpr int GONE = -1;
+
+}  // namespace
+
+SingleThreadServer::SingleThreadServer(Work work)
+    : _work(std::move(work)), _listener(listenOn(CLIENT_PORT)) {}
+
+void SingleThreadServer::run() {
+    std::vector<pollfd>& watched = _clients;
+    watched.push_back({.fd = _listener, .events = POLLIN, .revents = 0});
+    for (;;) {
+        check(poll(watched.data(), watched.size(), NO_TIMEOUT), "poll");
+        for (std::size_t i = 1; i < watched.size(); ++i) {
+            if (watched[i].revents != 0) {
+                _serve(watched[i]);
+            }
+        }
+        if (watched.front().revents != 0) {
+            watched.push_back({.fd = acceptFrom(_listener), .events = POLLIN, .revents = 0});
+        }
+    }
+}
+
+void SingleThreadServer::_serve(pollfd& client) {
+    if (const auto request = receiveFrame(client.fd)) {
+        sendFrame(client.fd, *_work(*request));
+    } else {
+        close(std::exchange(client.fd, GONE));
+    }
+}
+
+}  // namespace reticled::bench

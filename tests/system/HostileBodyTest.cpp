@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+#include "tests/system/DaemonTest.h"
+#include "tests/system/Exchanges.h"
+#include "tests/system/FrameClient.h"
+#include "tests/system/Text.h"
+
+namespace {
+
+using exchanges::FULL;
+using exchanges::FULL_REPLY;
+using exchanges::GET_ALL;
+using exchanges::LIST_REQUEST;
+
+/// Valid requests made to cost time. Parsers that keep comments need seconds for the smaller and
+/// half an hour for the larger one.
+class HostileBodyTest : public DaemonTest {
+protected:
+    void expectNotHeldUp(const std::string& hostileBody) {
+        FrameClient hostile;
+        FrameClient other;
+        const auto start = std::chrono::steady_clock::now();
+        hostile.sendFrame(hostileBody);
+        EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
+        other.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
+        EXPECT_EQ(hostile.readReply(), FULL_REPLY);
+        EXPECT_EQ(other.readReply(), FULL_REPLY);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8));
+    }
+
+    static std::string withComments(std::size_t bytes) {
+        constexpr std::string_view COMMENT = "/**/";
+        return R"({"action":"RETICLES_GET_ALL","x":1)" + repeated(COMMENT, bytes / COMMENT.size()) +
+               "}";
+    }
+};
+
+TEST_F(HostileBodyTest, CommentsOf240KilobytesHoldUpNobody) {
+    expectNotHeldUp(withComments(240000));
+}
+
+TEST_F(HostileBodyTest, CommentsOf4MegabytesHoldUpNobody) {
+    expectNotHeldUp(withComments(4000000));
+}
+
+TEST_F(HostileBodyTest, ManyMembersHoldUpNobody) {
+    std::string body = R"({"action":"RETICLES_GET_ALL")";
+    for (int i = 0; i < 200000; ++i) {
+        body += ",\"" + std::to_string(i) + "\":[]";
+    }
+    expectNotHeldUp(body + "}");
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+
+#include <chrono>
+
+#include "tests/system/Exchanges.h"
+#include "tests/system/ForegroundTest.h"
+#include "tests/system/FrameClient.h"
+#include "tests/system/Text.h"
+
+namespace {
+
+using exchanges::expectServed;
+using exchanges::GET_ALL;
+using exchanges::LIST_ANSWER;
+using exchanges::LIST_REQUEST;
+
+constexpr int SMALL_BUFFER_BYTES = 4096;
+// Far more than the kernel buffers for one connection on both sides together.
+constexpr std::size_t RETICLE_BYTES = 6000000;
+constexpr std::chrono::seconds STALL_LIMIT{30};
+
+/// One client asks for a reply of several megabytes and takes its time to read it.
+class SlowReaderTest : public ForegroundTest {
+protected:
+    SlowReaderTest() {
+        flash.write("list.json", R"([{"reticles":[{"index":1,"name":"Big","data":"big.svg",)"
+                                 R"("userColor":"red","isDeletable":1,"isActive":0}]}])");
+        flash.write("reticle/big.svg", std::string(RETICLE_BYTES, 'x'));
+        slow.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
+    }
+
+    FrameClient slow{SMALL_BUFFER_BYTES};
+};
+
+TEST_F(SlowReaderTest, SlowReaderIsServedToTheEnd) {
+    const std::string expected = R"({
+	"result" : "OK",
+	"reticles" : 
+	[
+		{
+			"data" : ")" +
+                                 std::string(RETICLE_BYTES, 'x') +
+                                 R"(",
+			"index" : 1,
+			"isActive" : false,
+			"isDeletable" : true,
+			"name" : "Big"
+		}
+	]
+})";
+    EXPECT_EQ(slow.readBytes(36), FrameClient::header(static_cast<std::uint32_t>(expected.size())));
+    std::string body;
+    while (body.size() < expected.size()) {
+        const std::string part = slow.readBytes(
+            std::min<std::size_t>(SMALL_BUFFER_BYTES, expected.size() - body.size()));
+        ASSERT_FALSE(part.empty());
+        body += part;
+    }
+    EXPECT_TRUE(body == expected);
+    expectServed(slow, rtos);
+}
+
+// Named apart from the others: the one test that lasts half a minute, started first.
+class StalledReaderTest : public SlowReaderTest {};
+
+// While it stalls, the replies of all others wait: fifteen of them, what is more is lost.
+TEST_F(StalledReaderTest, StalledReaderIsCutOffAndFifteenRepliesHaveWaited) {
+    constexpr int WAITING = 15;
+    constexpr int LOST = 3;
+    FrameClient other;
+    EXPECT_EQ(slow.readBytes(1).size(), 1);
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < WAITING; ++i) {
+        other.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.exchange(R"([{"ret_val":5}])"), LIST_REQUEST);
+    }
+    for (int i = 0; i < LOST; ++i) {
+        other.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.exchange(R"([{"ret_val":7}])"), LIST_REQUEST);
+    }
+    for (int i = 0; i < WAITING; ++i) {
+        EXPECT_EQ(other.readReply(STALL_LIMIT + PATIENCE),
+                  "{\n\t\"result\" : \"RETICLE_INDEX_NOT_FOUND\"\n}");
+    }
+    EXPECT_GT(std::chrono::steady_clock::now() - start, STALL_LIMIT - std::chrono::seconds(2));
+
+    EXPECT_EQ(countOf("Error during send response for socket: ", service.errors()), 1);
+    EXPECT_TRUE(slow.connection().seesEnd());
+    EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == 6; }));
+    expectServed(other, rtos);
+}
+
+}  // namespace

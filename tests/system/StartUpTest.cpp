@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+
+#include "tests/system/Daemon.h"
+#include "tests/system/Exchanges.h"
+#include "tests/system/ForegroundService.h"
+#include "tests/system/Sockets.h"
+#include "tests/system/SystemTest.h"
+#include "tests/system/Text.h"
+
+namespace {
+
+using StartUpTest = SystemTest;
+
+using Descriptors = std::map<int, std::string>;
+
+// Numbers of sockets are not ours to foretell.
+Descriptors withoutSocketNumbers(Descriptors descriptors) {
+    for (auto& [number, target] : descriptors) {
+        if (target.starts_with("socket:")) {
+            target = "socket";
+        }
+    }
+    return descriptors;
+}
+
+TEST_F(StartUpTest, CommandReturnsWithStatus0AndTheDaemonStays) {
+    Daemon service;
+    service.waitUntilListening();
+    EXPECT_EQ(service.command().waitForEnd(), 0);
+    EXPECT_EQ(service.command().standardOutput(), "1st fork sucess\n2nd fork sucess\n");
+    EXPECT_EQ(service.command().standardError(), "");
+    EXPECT_TRUE(service.isAlive());
+}
+
+TEST_F(StartUpTest, DaemonIsDetachedFromTheTerminal) {
+    Daemon service;
+    service.waitUntilListening();
+    EXPECT_EQ(service.info().terminal(), 0);
+    EXPECT_NE(getsid(service.pid()), getsid(0));
+    // No session leader: it can never get a terminal again.
+    EXPECT_NE(getsid(service.pid()), service.pid());
+    EXPECT_EQ(service.info().status("PPid"), std::to_string(getpid()));
+}
+
+TEST_F(StartUpTest, DaemonHoldsNoDescriptorButNullAndItsTwoSockets) {
+    const FileDescriptor inherited(dup(STDERR_FILENO), "dup");
+    const FileDescriptor far(dup2(STDERR_FILENO, 900), "dup2");
+    Daemon service;
+    service.waitUntilListening();
+    EXPECT_EQ(
+        withoutSocketNumbers(service.info().descriptors()),
+        (Descriptors{
+            {0, "/dev/null"}, {1, "/dev/null"}, {2, "/dev/null"}, {3, "socket"}, {4, "socket"}}));
+}
+
+TEST_F(StartUpTest, ClosedStandardInputIsReportedAndReplaced) {
+    Daemon service({"sh", "-c", R"(exec "$0" <&-)", programs::RETICLED});
+    service.waitUntilListening();
+    EXPECT_EQ(service.command().standardError(), "Bad file descriptor: Bad file descriptor\n");
+    EXPECT_EQ(service.info().descriptors().at(STDIN_FILENO), "/dev/null");
+}
+
+TEST_F(StartUpTest, DaemonKeepsWorkingDirectoryAndUmask) {
+    std::filesystem::create_directories("/tmp/elsewhere");
+    std::filesystem::current_path("/tmp/elsewhere");
+    const mode_t before = umask(0137);
+    Daemon service;
+    umask(before);
+    std::filesystem::current_path("/");
+    service.waitUntilListening();
+    EXPECT_EQ(service.info().workingDirectory(), "/tmp/elsewhere");
+    EXPECT_EQ(service.info().status("Umask"), "0137");
+}
+
+TEST_F(StartUpTest, ArgumentsChangeNothing) {
+    ScriptedRtos rtos;
+    Daemon service({programs::RETICLED, "--help", "-x", "4000"});
+    service.waitUntilListening();
+    EXPECT_EQ(service.command().standardOutput(), "1st fork sucess\n2nd fork sucess\n");
+    EXPECT_EQ(service.command().standardError(), "");
+    FrameClient client;
+    exchanges::expectServed(client, rtos);
+}
+
+TEST_F(StartUpTest, ForegroundServiceListensAndSaysNothing) {
+    ForegroundService service({programs::RETICLED_FOREGROUND, "--help"});
+    service.waitUntilListening();
+    EXPECT_EQ(service.progress(), "");
+    EXPECT_EQ(service.errors(), "");
+}
+
+TEST_F(StartUpTest, DaemonEndsWithStatus0WhenThePortIsTaken) {
+    const FileDescriptor taken = sockets::listenOn(CLIENT_PORT);
+    Daemon service;
+    EXPECT_EQ(service.command().waitForEnd(), 0);
+    EXPECT_EQ(service.waitForEnd(), 0);
+}
+
+TEST_F(StartUpTest, ForegroundServiceSaysWhyItEndsWhenThePortIsTaken) {
+    const FileDescriptor taken = sockets::listenOn(CLIENT_PORT);
+    ForegroundService service;
+    EXPECT_EQ(service.waitForEnd(), 0);
+    constexpr std::string_view WHY =
+        "Address already in use: Address already in use\n"
+        "Exception is caught in main \n";
+    // The worker is ended by an empty request, unless it had not come to wait for one yet.
+    constexpr std::string_view WORKER_ENDS =
+        "_handlerRoutine, exception: getStrVal: json msg is empty\n";
+    const std::string errors = service.errors();
+    EXPECT_TRUE(errors == WHY || errors == std::string(WHY) + std::string(WORKER_ENDS)) << errors;
+}
+
+TEST_F(StartUpTest, HighDescriptorLimitCostsNoTime) {
+    // As high as this kernel and this user may go; closing a million descriptors one by one takes
+    // more than a second.
+    constexpr auto RAISE_AND_START =
+        R"(ulimit -n 1048576 2>/dev/null || ulimit -n $(ulimit -H -n); exec "$0")";
+    Daemon service({"sh", "-c", RAISE_AND_START, programs::RETICLED});
+    service.waitUntilListening();
+    EXPECT_LT(service.info().processorTime(), std::chrono::milliseconds(500));
+}
+
+}  // namespace

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "tests/system/Daemon.h"
+#include "tests/system/FlashFiles.h"
+#include "tests/system/FrameClient.h"
+#include "tests/system/ScriptedRtos.h"
+#include "tests/system/Transcript.h"
+
+/// Plays a transcript against a fresh daemon, as its one client and its RTOS, strictly in the order
+/// of the steps. What differs becomes a test failure that names the step's place.
+class TranscriptPlayer {
+public:
+    /// \param flash the shared storage, empty; must outlive the player.
+    explicit TranscriptPlayer(const FlashFiles& flash);
+
+    void play(const Transcript& transcript);
+
+private:
+    void _play(const TranscriptStep& step);
+    // One operation for each verb; the first argument is what follows the verb.
+    void _sendFromClient(const std::string& what, const TranscriptStep& step);
+    void _receiveAtClient(const std::string& what, const TranscriptStep& step);
+    void _receiveAtRtos(const std::string& size, const TranscriptStep& step);
+    void _answerFromRtos(const std::string& size, const TranscriptStep& step);
+    void _checkFile(const std::string& path, const TranscriptStep& step);
+    void _checkMissing(const std::string& path, const TranscriptStep& step);
+    void _writeFile(const std::string& path, const TranscriptStep& step);
+
+    const FlashFiles& _flash;
+    ScriptedRtos _rtos;
+    Daemon _service;
+    std::optional<FrameClient> _client;
+};

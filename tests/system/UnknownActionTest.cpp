@@ -1,0 +1,61 @@
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <string>
+
+#include "tests/system/Daemon.h"
+#include "tests/system/Exchanges.h"
+#include "tests/system/ForegroundService.h"
+#include "tests/system/FrameClient.h"
+#include "tests/system/ScriptedRtos.h"
+#include "tests/system/SystemTest.h"
+
+namespace {
+
+constexpr int ENDED_BY_ABORT = 128 + SIGABRT;
+
+struct Action {
+    std::string name;
+    std::string text;
+};
+
+class UnknownActionTest : public SystemTest, public testing::WithParamInterface<Action> {};
+
+// By design: nothing guards the call of a handler that does not exist.
+TEST_P(UnknownActionTest, EndsTheDaemonAtOnceWithoutAReply) {
+    ScriptedRtos rtos;
+    Daemon service;
+    service.waitUntilListening();
+    FrameClient client;
+    client.sendFrame(R"({"action":")" + GetParam().text + "\"}");
+    EXPECT_EQ(service.waitForEnd(), ENDED_BY_ABORT);
+    EXPECT_EQ(client.readBytes(1), "");
+    EXPECT_FALSE(rtos.isCalled());
+}
+
+INSTANTIATE_TEST_SUITE_P(Actions, UnknownActionTest,
+                         testing::Values(Action{"Unknown", "RETICLES_COUNT"},
+                                         Action{"TrailingBlank", "RETICLES_DELETE "},
+                                         Action{"OtherCase", "reticles_get_all"},
+                                         Action{"Empty", ""}),
+                         [](const auto& action) { return action.param.name; });
+
+using RequestWithoutActionTest = SystemTest;
+
+TEST_F(RequestWithoutActionTest, IsReportedAndTheServiceGoesOn) {
+    ScriptedRtos rtos;
+    ForegroundService service;
+    service.waitUntilListening();
+    FrameClient client;
+    client.sendFrame(R"({"index":1})");
+    client.sendFrame(R"({"action":5})");
+    constexpr auto NO_TEXT =
+        "_handlerRoutine, exception: in Json::Value::asCString(): requires stringValue\n";
+    EXPECT_TRUE(service.hasError(std::string(NO_TEXT) + NO_TEXT));
+    client.sendFrame("[1]");
+    EXPECT_TRUE(service.hasError("requires objectValue\n"));
+    EXPECT_FALSE(rtos.isCalled());
+    exchanges::expectServed(client, rtos);
+}
+
+}  // namespace

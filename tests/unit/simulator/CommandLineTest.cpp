@@ -1,0 +1,107 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "simulator/CommandLine.h"
+
+namespace sim {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::internal::CaptureStderr;
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStderr;
+using testing::internal::GetCapturedStdout;
+
+constexpr int NOT_SET = -1;
+
+struct Parsed {
+    std::optional<Options> options;
+    int exitStatus = NOT_SET;
+    std::string out;
+    std::string err;
+};
+
+Parsed parse(const std::vector<std::string>& arguments) {
+    std::vector<const char*> argv{"rtos-sim"};
+    for (const std::string& argument : arguments) {
+        argv.push_back(argument.c_str());
+    }
+    Parsed parsed;
+    CaptureStdout();
+    CaptureStderr();
+    parsed.options =
+        parseCommandLine(static_cast<int>(argv.size()), argv.data(), parsed.exitStatus);
+    parsed.out = GetCapturedStdout();
+    parsed.err = GetCapturedStderr();
+    return parsed;
+}
+
+TEST(CommandLine, hasDefaultsForEverything) {
+    const Parsed parsed = parse({});
+    ASSERT_TRUE(parsed.options);
+    EXPECT_EQ(parsed.options->root, "/tmp/FL0");
+    EXPECT_EQ(parsed.options->port, 3425);
+    EXPECT_EQ(parsed.options->maxReticles, 32U);
+    EXPECT_FALSE(parsed.options->isReset);
+    EXPECT_FALSE(parsed.options->isVerbose);
+    EXPECT_TRUE(parsed.options->faults.empty());
+    EXPECT_EQ(parsed.exitStatus, NOT_SET);
+}
+
+TEST(CommandLine, readsEveryOption) {
+    const Parsed parsed = parse({"--root", "/tmp/x", "--port=0", "--max-reticles", "5", "--reset",
+                                 "--verbose", "--fault", "delay:10@2", "--fault", "silent"});
+    ASSERT_TRUE(parsed.options) << parsed.err;
+    EXPECT_EQ(parsed.options->root, "/tmp/x");
+    EXPECT_EQ(parsed.options->port, 0);
+    EXPECT_EQ(parsed.options->maxReticles, 5U);
+    EXPECT_TRUE(parsed.options->isReset);
+    EXPECT_TRUE(parsed.options->isVerbose);
+    EXPECT_THAT(parsed.options->faults,
+                ElementsAre(Fault{FaultKind::DELAY, 10, 2}, Fault{FaultKind::SILENT, 0, {}}));
+}
+
+TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> mistakes = {
+        {{"--fault", "bang"}, "no fault is called 'bang'"},
+        {{"--fault", "silent", "close"}, "close"},
+        {{"--fault"}, "--fault"},
+        {{"--port", "65536"}, "--port"},
+        {{"--port", "-1"}, "--port"},
+        {{"--max-reticles", "0"}, "--max-reticles"},
+        {{"--frequency"}, "--frequency"},
+        {{"extra"}, "extra"}};
+    for (const auto& [arguments, complaint] : mistakes) {
+        const Parsed parsed = parse(arguments);
+        EXPECT_FALSE(parsed.options) << complaint;
+        EXPECT_EQ(parsed.exitStatus, 2) << complaint;
+        EXPECT_THAT(parsed.err, HasSubstr(complaint));
+        EXPECT_EQ(parsed.out, "");
+    }
+}
+
+TEST(CommandLine, printsHelpForEveryOptionAndFault) {
+    const Parsed parsed = parse({"--help"});
+    EXPECT_FALSE(parsed.options);
+    EXPECT_EQ(parsed.exitStatus, 0);
+    for (const char* text : {"--version", "--root DIR", "--port PORT", "--max-reticles COUNT",
+                             "--reset", "--verbose", "--fault KIND[:ARG][@N]"}) {
+        EXPECT_THAT(parsed.out, HasSubstr(text));
+    }
+    EXPECT_THAT(parsed.out, HasSubstr(faultHelp()));
+}
+
+TEST(CommandLine, printsTheVersion) {
+    const Parsed parsed = parse({"--version"});
+    EXPECT_FALSE(parsed.options);
+    EXPECT_EQ(parsed.exitStatus, 0);
+    EXPECT_EQ(parsed.out, "rtos-sim " RETICLED_VERSION "\n");
+}
+
+}  // namespace
+}  // namespace sim

@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include "simulator/RequestSplitter.h"
+
+namespace sim {
+namespace {
+
+constexpr const char* LIST = "[\n\t{\n\t\t\"msg_id\" : 76,\n\t\t\"param_get\" : \"\"\n\t}\n]";
+
+TEST(RequestSplitter, givesATextThatArrivesWhole) {
+    RequestSplitter splitter;
+    splitter.feed(LIST);
+    EXPECT_EQ(splitter.next(), LIST);
+    EXPECT_EQ(splitter.next(), std::nullopt);
+    EXPECT_FALSE(splitter.isInsideText());
+}
+
+TEST(RequestSplitter, joinsATextThatArrivesByteForByte) {
+    const std::string text = R"([{"param2_name":"a ] } \" \\","x":[{}]}])";
+    RequestSplitter splitter;
+    for (std::size_t at = 0; at + 1 < text.size(); ++at) {
+        splitter.feed(text.substr(at, 1));
+        ASSERT_EQ(splitter.next(), std::nullopt) << at;
+        ASSERT_TRUE(splitter.isInsideText());
+    }
+    splitter.feed("]");
+    EXPECT_EQ(splitter.next(), text);
+}
+
+TEST(RequestSplitter, partsTextsThatArriveAtOnce) {
+    RequestSplitter splitter;
+    splitter.feed("[1]{\"a\":[]} \r\n\t[2][");
+    EXPECT_EQ(splitter.next(), "[1]");
+    EXPECT_EQ(splitter.next(), "{\"a\":[]}");
+    EXPECT_EQ(splitter.next(), "[2]");
+    EXPECT_EQ(splitter.next(), std::nullopt);
+    EXPECT_TRUE(splitter.isInsideText());
+}
+
+TEST(RequestSplitter, skipsBlanksWithoutTakingThemForAText) {
+    RequestSplitter splitter;
+    splitter.feed(" \t\r\n");
+    EXPECT_EQ(splitter.next(), std::nullopt);
+    EXPECT_FALSE(splitter.isInsideText());
+}
+
+TEST(RequestSplitter, handsOutWhatBeginsNoText) {
+    RequestSplitter splitter;
+    splitter.feed("hello [1]");
+    EXPECT_EQ(splitter.next(), "hello [1]");
+    splitter.feed("[2]");
+    EXPECT_EQ(splitter.next(), "[2]");
+}
+
+TEST(RequestSplitter, takesBracketsInStringsForText) {
+    RequestSplitter splitter;
+    splitter.feed(R"(["]"][3])");
+    EXPECT_EQ(splitter.next(), R"(["]"])");
+    EXPECT_EQ(splitter.next(), "[3]");
+}
+
+TEST(RequestSplitter, saysWhenATextIsLongerThanAnyRequest) {
+    RequestSplitter splitter;
+    splitter.feed("[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES - 2, 'x'));
+    EXPECT_EQ(splitter.next(), std::nullopt);
+    EXPECT_FALSE(splitter.isTooLong());
+    splitter.feed("x");
+    EXPECT_EQ(splitter.next(), std::nullopt);
+    EXPECT_TRUE(splitter.isTooLong());
+}
+
+}  // namespace
+}  // namespace sim

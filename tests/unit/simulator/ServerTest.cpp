@@ -1,0 +1,228 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <chrono>
+#include <sstream>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "simulator/Device.h"
+#include "simulator/FaultyDevice.h"
+#include "simulator/RequestSplitter.h"
+#include "simulator/Server.h"
+#include "simulator/Storage.h"
+#include "tests/unit/simulator/LoopbackClient.h"
+#include "tests/unit/simulator/TemporaryRoot.h"
+
+namespace sim {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using test::LoopbackClient;
+
+constexpr const char* LIST = R"([{"msg_id":76,"param_get":""}])";
+constexpr const char* LISTED = R"([{"param":"reticle_list.json","ret_val":0}])";
+constexpr const char* ACTIVATE_99 = R"([{"msg_id":77,"param":99}])";
+constexpr const char* NOT_FOUND = R"([{"ret_val":5}])";
+constexpr const char* NOT_UNDERSTOOD = R"([{"ret_val":8}])";
+
+/// A whole simulator, its server on a thread of its own.
+class RunningSimulator {
+public:
+    explicit RunningSimulator(std::vector<Fault> faults = {})
+        : _faulty(_device, _storage, std::move(faults), _log, false) {
+        _server.start([this](const std::string& request) { return _faulty.exchange(request); });
+        _thread = std::thread([this] { _io.run(); });
+    }
+
+    ~RunningSimulator() { stop(); }
+    RunningSimulator(const RunningSimulator&) = delete;
+    RunningSimulator(RunningSimulator&&) = delete;
+    RunningSimulator& operator=(const RunningSimulator&) = delete;
+    RunningSimulator& operator=(RunningSimulator&&) = delete;
+
+    void stop() {
+        _io.stop();
+        if (_thread.joinable()) {
+            _thread.join();
+        }
+    }
+
+    [[nodiscard]] std::uint16_t port() const { return _server.port(); }
+
+    /// After `stop`.
+    [[nodiscard]] std::string log() const { return _log.str(); }
+
+private:
+    test::TemporaryRoot _root;
+    Storage _storage{_root.path()};
+    Device _device{_storage, 32};
+    std::ostringstream _log;
+    FaultyDevice _faulty;
+    asio::io_context _io;
+    Server _server{_io, 0, _log};
+    std::thread _thread;
+};
+
+TEST(Server, answersExchangeAfterExchangeInOnePieceEach) {
+    const RunningSimulator simulator;
+    const LoopbackClient client(simulator.port());
+    EXPECT_EQ(client.exchange(LIST), LISTED);
+    EXPECT_EQ(client.exchange(ACTIVATE_99), NOT_FOUND);
+    EXPECT_EQ(client.exchange(LIST), LISTED);
+}
+
+TEST(Server, answersARequestThatArrivesInPieces) {
+    const RunningSimulator simulator;
+    const LoopbackClient client(simulator.port());
+    for (const char* character = LIST; *character != '\0'; ++character) {
+        client.send(std::string(1, *character));
+    }
+    EXPECT_EQ(client.receive(), LISTED);
+}
+
+TEST(Server, answersRequestsThatArriveAtOnceInTheirOrder) {
+    const RunningSimulator simulator;
+    const LoopbackClient client(simulator.port());
+    client.send(std::string(ACTIVATE_99) + "\n" + LIST + ACTIVATE_99);
+    const std::string expected = std::string(NOT_FOUND) + LISTED + NOT_FOUND;
+    std::string received;
+    while (received.size() < expected.size()) {
+        received += client.receive();
+    }
+    EXPECT_EQ(received, expected);
+}
+
+TEST(Server, answersThousandsOfRequestsThatArriveAtOnce) {
+    constexpr std::size_t REQUESTS = 5'000;
+    const RunningSimulator simulator;
+    const LoopbackClient client(simulator.port());
+    std::thread sender([&client] {
+        std::string requests;
+        for (std::size_t count = 0; count < REQUESTS; ++count) {
+            requests += R"([{"msg_id":77,"param":99}])";
+        }
+        client.send(requests);
+    });
+    std::size_t received = 0;
+    while (received < REQUESTS * std::string(NOT_FOUND).size()) {
+        received += client.receive().size();
+    }
+    sender.join();
+}
+
+TEST(Server, answersSeveralConnectionsAtATime) {
+    const RunningSimulator simulator;
+    const LoopbackClient first(simulator.port());
+    const LoopbackClient second(simulator.port());
+    EXPECT_EQ(second.exchange(LIST), LISTED);
+    EXPECT_EQ(first.exchange(LIST), LISTED);
+}
+
+TEST(Server, goesOnAfterBytesThatAreNoRequest) {
+    const RunningSimulator simulator;
+    const LoopbackClient client(simulator.port());
+    EXPECT_EQ(client.exchange("hello"), NOT_UNDERSTOOD);
+    EXPECT_EQ(client.exchange(std::string("\0\xff", 2)), NOT_UNDERSTOOD);
+    EXPECT_EQ(client.exchange("[}"), NOT_UNDERSTOOD);
+    EXPECT_EQ(client.exchange(LIST), LISTED);
+}
+
+TEST(Server, takesANewConnectionWhenThePeerLeft) {
+    RunningSimulator simulator;
+    {
+        const LoopbackClient client(simulator.port());
+        client.send("[{\"msg_id\":");
+    }
+    EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
+    simulator.stop();
+    EXPECT_EQ(simulator.log(), "rtos-sim: the connection ended inside a request: End of file\n");
+}
+
+TEST(Server, closesAConnectionWhoseRequestHasNoEnd) {
+    RunningSimulator simulator;
+    const LoopbackClient client(simulator.port());
+    client.send("[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES, 'x'));
+    EXPECT_EQ(client.receive(), "");
+    EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
+    simulator.stop();
+    EXPECT_EQ(simulator.log(),
+              "rtos-sim: connection closed: a request has no end after 16777216 bytes\n");
+}
+
+TEST(Server, takesARequestAsLongAsTheyGet) {
+    const RunningSimulator simulator;
+    const LoopbackClient client(simulator.port());
+    EXPECT_EQ(client.exchange(R"([{"msg_id":77,"param":99,"x":")" +
+                              std::string(std::size_t{12} << 20U, 'x') + R"("}])"),
+              NOT_FOUND);
+}
+
+TEST(Server, delaysAnAnswer) {
+    const RunningSimulator simulator({{FaultKind::DELAY, 150, 1}});
+    const LoopbackClient client(simulator.port());
+    const auto start = steady_clock::now();
+    EXPECT_EQ(client.exchange(LIST), LISTED);
+    EXPECT_GE(steady_clock::now() - start, milliseconds(150));
+}
+
+TEST(Server, keepsSilent) {
+    const RunningSimulator simulator({{FaultKind::SILENT, 0, 1}});
+    const LoopbackClient client(simulator.port());
+    client.send(ACTIVATE_99);
+    EXPECT_EQ(client.exchange(LIST), LISTED);
+}
+
+TEST(Server, closesTheConnectionInsteadOfAnAnswer) {
+    const RunningSimulator simulator({{FaultKind::CLOSE, 0, 1}});
+    EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), "");
+    EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
+}
+
+TEST(Server, resetsTheConnectionInsteadOfAnAnswer) {
+    const RunningSimulator simulator({{FaultKind::RESET, 0, 1}});
+    const LoopbackClient client(simulator.port());
+    try {
+        (void)client.exchange(LIST);
+        FAIL() << "no reset";
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code(), std::errc::connection_reset);
+    }
+    EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
+}
+
+TEST(Server, splitsAnAnswer) {
+    const RunningSimulator simulator({{FaultKind::SPLIT, 400, 1}});
+    const LoopbackClient client(simulator.port());
+    EXPECT_EQ(client.exchange(LIST), R"([{"param":"reticle_li)");
+    EXPECT_EQ(client.receive(), R"(st.json","ret_val":0}])");
+    EXPECT_EQ(client.exchange(LIST), LISTED);
+}
+
+TEST(Server, sendsALongAnswerThatTheServiceCuts) {
+    const RunningSimulator simulator({{FaultKind::LONG, 0, 1}});
+    const LoopbackClient client(simulator.port());
+    const std::string first = client.exchange(LIST);
+    EXPECT_EQ(first.size(), 1024U);
+    EXPECT_EQ(client.receive(), std::string(511, ' ') + "]");
+}
+
+TEST(Server, throwsWhenThePortIsTaken) {
+    const RunningSimulator simulator;
+    asio::io_context io;
+    std::ostringstream log;
+    try {
+        const Server second(io, simulator.port(), log);
+        FAIL() << "two servers on one port";
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(error.code().value(), EADDRINUSE);
+    }
+}
+
+}  // namespace
+}  // namespace sim
