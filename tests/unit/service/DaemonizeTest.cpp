@@ -69,93 +69,92 @@ Facts readFacts() {
     return facts;
 }
 
-class DaemonizeDeathTest : public testing::Test {
-protected:
-    DaemonizeDeathTest() { fs::remove(FACTS); }
-
-    /// Becomes a daemon in a process of its own, after `prepare`.
-    void daemonizeAfter(const std::function<void()>& prepare) {
-        starter = runInOwnProcess([&]() -> int {
-            prepare();
-            daemonize();
-            writeFacts();
-            _exit(EXIT_SUCCESS);
-        });
-        ASSERT_TRUE(eventually([] { return fs::exists(FACTS); }));
+/// A process that becomes a daemon after `prepare`, and what the daemon tells.
+class Daemonizing {
+public:
+    explicit Daemonizing(const std::function<void()>& prepare)
+        : starter([&]() -> int {
+              fs::remove(FACTS);
+              prepare();
+              daemonize();
+              writeFacts();
+              _exit(EXIT_SUCCESS);
+          }) {
+        EXPECT_EQ(starter.waitForEnd(), EXIT_SUCCESS);
+        EXPECT_TRUE(eventually([] { return fs::exists(FACTS); }));
         facts = readFacts();
     }
 
-    /// Daemons come to us, the first process of the sandbox.
-    void expectEndOfDaemon() const {
-        EXPECT_EQ(ChildProcess(facts.process).waitForEnd(), EXIT_SUCCESS);
+    Daemonizing(const Daemonizing&) = delete;
+    Daemonizing& operator=(const Daemonizing&) = delete;
+
+    ~Daemonizing() {
+        fs::remove(FACTS);
+        // Daemons come to us, the first process of the sandbox; not the starter, which has ended.
+        if (facts.session != facts.process) {
+            EXPECT_EQ(ChildProcess(facts.process).waitForEnd(), EXIT_SUCCESS);
+        }
     }
 
-    Outcome starter;
+    OwnProcess starter;
     Facts facts;
 };
 
-TEST_F(DaemonizeDeathTest, StarterEndsWithStatusZeroAfterTwoForks) {
-    daemonizeAfter([] {});
-    EXPECT_EQ(starter.status, EXIT_SUCCESS);
-    EXPECT_EQ(starter.out, BOTH_FORKS);
-    EXPECT_EQ(starter.err, "");
-    expectEndOfDaemon();
+TEST(DaemonizeDeathTest, StarterEndsWithStatusZeroAfterTwoForks) {
+    const Daemonizing daemon([] {});
+    EXPECT_EQ(daemon.starter.out(), BOTH_FORKS);
+    EXPECT_EQ(daemon.starter.err(), "");
 }
 
-TEST_F(DaemonizeDeathTest, DaemonIsInASessionOfItsOwnThatItDoesNotLead) {
-    daemonizeAfter([] {});
-    EXPECT_NE(facts.session, getsid(0));
-    EXPECT_NE(facts.session, facts.process);
-    expectEndOfDaemon();
+TEST(DaemonizeDeathTest, DaemonIsInASessionOfItsOwnThatItDoesNotLead) {
+    const Daemonizing daemon([] {});
+    EXPECT_NE(daemon.facts.session, getsid(0));
+    EXPECT_NE(daemon.facts.session, daemon.facts.process);
 }
 
-TEST_F(DaemonizeDeathTest, NothingIsOpenButNull) {
-    daemonizeAfter([] {
+TEST(DaemonizeDeathTest, NothingIsOpenButNull) {
+    const Daemonizing daemon([] {
         dup2(STDOUT_FILENO, 3);
         dup2(STDOUT_FILENO, 900);
     });
-    EXPECT_EQ(facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
-    expectEndOfDaemon();
+    EXPECT_EQ(daemon.facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
 }
 
-TEST_F(DaemonizeDeathTest, WhereManyCannotBeClosedAtOnceEachIsClosed) {
-    daemonizeAfter([] {
+TEST(DaemonizeDeathTest, WhereManyCannotBeClosedAtOnceEachIsClosed) {
+    const Daemonizing daemon([] {
         const rlimit limit{1024, 1024};
         setrlimit(RLIMIT_NOFILE, &limit);
         dup2(STDOUT_FILENO, 900);
         dup2(STDOUT_FILENO, 1023);
         refuseSystemCall(SYS_close_range, ENOSYS);
     });
-    EXPECT_EQ(facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
-    expectEndOfDaemon();
+    EXPECT_EQ(daemon.facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
 }
 
-TEST_F(DaemonizeDeathTest, DirectoryAndMaskStay) {
+TEST(DaemonizeDeathTest, DirectoryAndMaskStay) {
     fs::create_directories("/tmp/elsewhere");
-    daemonizeAfter([] {
+    const Daemonizing daemon([] {
         fs::current_path("/tmp/elsewhere");
         umask(0137);
     });
-    EXPECT_EQ(facts.directory, "/tmp/elsewhere");
-    EXPECT_EQ(facts.mask, 0137U);
-    expectEndOfDaemon();
+    EXPECT_EQ(daemon.facts.directory, "/tmp/elsewhere");
+    EXPECT_EQ(daemon.facts.mask, 0137U);
 }
 
-TEST_F(DaemonizeDeathTest, ClosedStandardInputIsReported) {
-    daemonizeAfter([] { close(STDIN_FILENO); });
-    EXPECT_EQ(starter.err, "Bad file descriptor: Bad file descriptor\n");
-    EXPECT_EQ(facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
-    expectEndOfDaemon();
+TEST(DaemonizeDeathTest, ClosedStandardInputIsReported) {
+    const Daemonizing daemon([] { close(STDIN_FILENO); });
+    EXPECT_EQ(daemon.starter.err(), "Bad file descriptor: Bad file descriptor\n");
+    EXPECT_EQ(daemon.facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
 }
 
-TEST_F(DaemonizeDeathTest, ForksThatFailAreReportedAndTheProcessGoesOn) {
-    daemonizeAfter([] { refuseSystemCall(SYS_clone, EAGAIN); });
-    EXPECT_EQ(starter.out, "");
-    EXPECT_EQ(starter.err,
+TEST(DaemonizeDeathTest, ForksThatFailAreReportedAndTheProcessGoesOn) {
+    const Daemonizing daemon([] { refuseSystemCall(SYS_clone, EAGAIN); });
+    EXPECT_EQ(daemon.starter.out(), "");
+    EXPECT_EQ(daemon.starter.err(),
               repeated("Resource temporarily unavailable: Resource temporarily unavailable\n", 2));
     // The process itself has become the daemon.
-    EXPECT_EQ(facts.session, facts.process);
-    EXPECT_EQ(facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
+    EXPECT_EQ(daemon.facts.session, daemon.facts.process);
+    EXPECT_EQ(daemon.facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
 }
 
 }  // namespace

@@ -225,6 +225,27 @@ TEST_F(NetCommunicatorTest, ReplyGoesOutAsAFrame) {
     EXPECT_EQ(output.err(), "");
 }
 
+TEST_F(NetCommunicatorTest, LargeReplyGoesOutAsAFrameToo) {
+    Pair pair = connectedPair();
+    const std::string text = "[" + std::string(99'998, ' ') + "]";
+    queueReply(pair.service.get(), text);
+    auto received = std::async(std::launch::async, [&] { return pair.client.receive(100'036); });
+    Peer::sendNextReply(net);
+    EXPECT_TRUE(received.get() == frame(SYNC, "00 01 86 A0", text));
+    EXPECT_TRUE(pair.client.isQuiet());
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(NetCommunicatorTest, LargeReplyToAClientThatHasLeftIsReportedOnce) {
+    Pair gone = connectedPair();
+    gone.client.close();
+    queueReply(gone.service.get(), std::string(100'000, ' '));
+    Peer::sendNextReply(net);
+    EXPECT_EQ(output.err(),
+              "Error during send response for socket: " + std::to_string(gone.service.get()) +
+                  "\nBroken pipe: Broken pipe\n");
+}
+
 TEST_F(NetCommunicatorTest, RepliesGoOutInTheirOrderWhoeverTheyAreFor) {
     Pair one = connectedPair();
     Pair other = connectedPair();
@@ -268,11 +289,11 @@ TEST_F(NetCommunicatorTest, ReplyForSocketZeroIsDroppedWithoutAMessage) {
 
 TEST_F(NetCommunicatorTest, ReplyThatThereIsNoMemoryForIsLostAndTheNextGoesOut) {
     Pair pair = connectedPair();
-    std::string large(2'000'000, ' ');
+    std::string tooLarge(60'000, ' ');
     std::jthread responses([this] { Peer::responseThread(net); });
     {
-        const seams::MemoryShortage shortage(1'000'000);
-        queueReply(pair.service.get(), std::move(large));
+        const seams::MemoryShortage shortage(tooLarge.size());
+        queueReply(pair.service.get(), std::move(tooLarge));
         queueReply(pair.service.get(), "{}");
         EXPECT_EQ(pair.client.receive(38), frame(SYNC, "00 00 00 02", "{}"));
     }
@@ -425,10 +446,11 @@ TEST(NetCommunicatorEndTest, DestructionEndsTheServerThreadAndClosesThePort) {
     EXPECT_FALSE(isListening(CLIENT_PORT));
 }
 
-/// What the construction of a server reports and throws where the kernel refuses a system call.
-Outcome constructWithout(unsigned systemCall, int error, std::optional<unsigned> thirdArgument) {
-    return runInOwnProcess([=]() -> int {
-        refuseSystemCall(systemCall, error, thirdArgument);
+/// Expects that a server cannot be constructed where the kernel refuses a system call with EPERM.
+void expectFailureWithout(unsigned systemCall, std::optional<unsigned> thirdArgument,
+                          const std::string& text) {
+    OwnProcess process([&]() -> int {
+        refuseSystemCall(systemCall, EPERM, thirdArgument);
         try {
             const NetCommunicator net;
         } catch (const std::runtime_error& failure) {
@@ -437,29 +459,23 @@ Outcome constructWithout(unsigned systemCall, int error, std::optional<unsigned>
         // Not the worker's lines at the end of the process.
         _exit(EXIT_SUCCESS);
     });
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
+    EXPECT_EQ(process.out(), text + '\n');
+    EXPECT_EQ(process.err(), "Operation not permitted: Operation not permitted\n");
 }
 
 TEST(NetCommunicatorDeathTest, OptionThatCannotBeSetFailsTheConstruction) {
-    const Outcome reusePort = constructWithout(SYS_setsockopt, EPERM, SO_REUSEPORT);
-    EXPECT_EQ(reusePort.status, EXIT_SUCCESS);
-    EXPECT_EQ(reusePort.out, "Failed to set REUSE_PORT option\n");
-    EXPECT_EQ(reusePort.err, "Operation not permitted: Operation not permitted\n");
-
-    const Outcome receiveBuffer = constructWithout(SYS_setsockopt, EPERM, SO_RCVBUF);
-    EXPECT_EQ(receiveBuffer.status, EXIT_SUCCESS);
-    EXPECT_EQ(receiveBuffer.out, "Failed to set rcv buffer size\n");
-    EXPECT_EQ(receiveBuffer.err, "Operation not permitted: Operation not permitted\n");
+    expectFailureWithout(SYS_setsockopt, SO_REUSEPORT, "Failed to set REUSE_PORT option");
+    expectFailureWithout(SYS_setsockopt, SO_RCVBUF, "Failed to set rcv buffer size");
 }
 
 TEST(NetCommunicatorDeathTest, ListenThatFailsFailsTheConstruction) {
-    const Outcome outcome = constructWithout(SYS_listen, EADDRINUSE, std::nullopt);
-    EXPECT_EQ(outcome.status, EXIT_SUCCESS);
-    EXPECT_EQ(outcome.out, "Error during attemp to move the socket in listen state\n");
-    EXPECT_EQ(outcome.err, "Address already in use: Address already in use\n");
+    expectFailureWithout(SYS_listen, std::nullopt,
+                         "Error during attemp to move the socket in listen state");
 }
 
 TEST(NetCommunicatorDeathTest, ReaderThatCannotBeStartedCostsItsClientTheConnection) {
-    const Outcome outcome = runInOwnProcess([]() -> int {
+    OwnProcess process([]() -> int {
         NetCommunicator net;
         refuseSystemCall(SYS_clone3, EAGAIN);
         refuseSystemCall(SYS_clone, EAGAIN);
@@ -468,23 +484,26 @@ TEST(NetCommunicatorDeathTest, ReaderThatCannotBeStartedCostsItsClientTheConnect
         pair.service.close();
         _exit(pair.client.seesEnd() ? EXIT_SUCCESS : EXIT_FAILURE);
     });
-    EXPECT_EQ(outcome.status, EXIT_SUCCESS);
-    EXPECT_EQ(outcome.err, "_serverRoutine, exception: Resource temporarily unavailable\n");
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
+    EXPECT_EQ(process.err(), "_serverRoutine, exception: Resource temporarily unavailable\n");
 }
 
 TEST(NetCommunicatorDeathTest, StartedServiceAnswersItsClients) {
     constexpr auto REPLY = "{\n\t\"result\" : \"RETICLES_COUNT_OUT_OF_BOUNDS\"\n}";
-    const Outcome outcome = runInOwnProcess([]() -> int {
+    OwnProcess process([]() -> int {
         ScriptedRtos rtos;
         const auto net = NetCommunicator::getInstance();
         net->start();
         FrameClient client;
         client.sendFrame(R"({"action":"RETICLES_GET_ALL"})");
         const bool isAsked = rtos.exchange(R"([{"ret_val":6}])") == transcripts::LIST_REQUEST;
+        const bool isAnswered = client.readReply() == REPLY;
+        // So that nothing of the connection keeps the port from the next test.
+        client.connection().reset();
         // The threads never end: no orderly way out.
-        _exit(isAsked && client.readReply() == REPLY ? EXIT_SUCCESS : EXIT_FAILURE);
+        _exit(isAsked && isAnswered ? EXIT_SUCCESS : EXIT_FAILURE);
     });
-    EXPECT_EQ(outcome.status, EXIT_SUCCESS) << outcome.out << outcome.err;
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS) << process.out() << process.err();
 }
 
 }  // namespace

@@ -7,17 +7,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <system_error>
 #include <vector>
-
-#include "tests/support/ChildProcess.h"
-#include "tests/support/Patience.h"
-#include "tests/unit/service/MemoryFile.h"
 
 namespace {
 
@@ -35,21 +30,18 @@ void flushStandardStreams() {
 
 }  // namespace
 
-Outcome runInOwnProcess(const std::function<int()>& body, const std::function<bool()>& isEnough) {
-    const MemoryFile out;
-    const MemoryFile err;
+OwnProcess::OwnProcess(const std::function<int()>& body) : _child(_start(body)) {}
+
+pid_t OwnProcess::_start(const std::function<int()>& body) const {
     flushStandardStreams();
     const pid_t pid = fork();
     require(pid, "fork");
     if (pid == 0) {
-        dup2(out.descriptor(), STDOUT_FILENO);
-        dup2(err.descriptor(), STDERR_FILENO);
+        dup2(_out.descriptor(), STDOUT_FILENO);
+        dup2(_err.descriptor(), STDERR_FILENO);
         std::exit(body());
     }
-    ChildProcess child(pid);
-    static_cast<void>(eventually([&] { return !child.isAlive() || isEnough(); }));
-    const std::optional<int> status = child.waitForEnd(std::chrono::milliseconds::zero());
-    return {status, out.content(), err.content()};
+    return pid;
 }
 
 void refuseSystemCall(unsigned number, int error, std::optional<unsigned> onlyThirdArgument) {

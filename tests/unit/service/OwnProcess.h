@@ -4,23 +4,36 @@
 #include <optional>
 #include <string>
 
-/// What a process of its own left behind.
-struct Outcome {
-    std::optional<int>
-        status;       ///< its exit status, 128 plus a signal; nothing if it had to be killed
-    std::string out;  ///< its standard output
-    std::string err;  ///< its standard error
-};
+#include "tests/support/ChildProcess.h"
+#include "tests/unit/service/MemoryFile.h"
 
-/// Runs `body` in a fork of this process and waits, with a bound, for its end.
+/// A fork of this process, its standard streams taken. Ends with this object.
 ///
 /// For what ends a process, changes it for good, or needs single instances that nobody has used.
-/// Fork before this process has threads: suites that call this are named "...DeathTest", which the
-/// test runner takes first.
-/// \param body its result becomes the exit status; runs with standard streams of its own.
-/// \param isEnough asked again and again; ends the process as soon as it says yes.
-[[nodiscard]] Outcome runInOwnProcess(
-    const std::function<int()>& body, const std::function<bool()>& isEnough = [] { return false; });
+/// Fork before this process has threads: suites that do are named "...DeathTest", which the test
+/// runner takes first.
+class OwnProcess {
+public:
+    /// Runs `body` in the fork; its result becomes the exit status.
+    /// \throws std::system_error when there can be no fork.
+    explicit OwnProcess(const std::function<int()>& body);
+
+    /// All that the process, and what it forked, has written so far.
+    [[nodiscard]] std::string out() const { return _out.content(); }
+    [[nodiscard]] std::string err() const { return _err.content(); }
+
+    [[nodiscard]] bool isAlive() { return _child.isAlive(); }
+
+    /// See ChildProcess::waitForEnd.
+    [[nodiscard]] std::optional<int> waitForEnd() { return _child.waitForEnd(); }
+
+private:
+    [[nodiscard]] pid_t _start(const std::function<int()>& body) const;
+
+    MemoryFile _out;
+    MemoryFile _err;
+    ChildProcess _child;
+};
 
 /// Makes the kernel refuse the system call `number` with `error` for the rest of this process's
 /// life. Call it in a process of its own.

@@ -108,20 +108,21 @@ TEST_F(PacketsHandlerTest, RequestIsHandledAlsoWhenABrokenTextFollowsIt) {
 
 // Deliberate: the call through the empty pointer ends the process, at once and in every build.
 TEST(PacketsHandlerDeathTest, UnknownActionEndsTheProcess) {
-    const Outcome outcome = runInOwnProcess([] {
+    OwnProcess process([] {
         const PacketsHandler worker;
         push(1, R"({"action":"RETICLES_FORGET"})");
         static_cast<void>(nextReply());
         return EXIT_SUCCESS;
     });
-    EXPECT_EQ(outcome.status, 128 + SIGABRT);
-    EXPECT_EQ(outcome.out,
+    EXPECT_EQ(process.waitForEnd(), 128 + SIGABRT);
+    EXPECT_EQ(process.out(),
               "PacketsHandler::_handlerRoutine, json req: {\"action\":\"RETICLES_FORGET\"}\n");
-    EXPECT_EQ(countOf("Assertion '_M_get() != nullptr' failed", outcome.err), 1U) << outcome.err;
+    EXPECT_EQ(countOf("Assertion '_M_get() != nullptr' failed", process.err()), 1U)
+        << process.err();
 }
 
 TEST(PacketsHandlerDeathTest, DestructionWakesAWaitingWorkerWithAnEmptyRequest) {
-    const Outcome outcome = runInOwnProcess([] {
+    OwnProcess process([] {
         auto worker = std::make_unique<PacketsHandler>();
         const OutputCapture output;
         // Once the failure is logged, the worker is about to wait for the next request.
@@ -132,11 +133,11 @@ TEST(PacketsHandlerDeathTest, DestructionWakesAWaitingWorkerWithAnEmptyRequest) 
         worker.reset();
         return EXIT_SUCCESS;
     });
-    EXPECT_EQ(outcome.status, EXIT_SUCCESS);
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
 }
 
 TEST(PacketsHandlerDeathTest, DestructionLetsTheWorkerFinishItsRequest) {
-    const Outcome outcome = runInOwnProcess([] {
+    OwnProcess process([] {
         auto worker = std::make_unique<PacketsHandler>();
         ScriptedRtos rtos;
         push(1, GET_ALL);
@@ -146,7 +147,7 @@ TEST(PacketsHandlerDeathTest, DestructionLetsTheWorkerFinishItsRequest) {
         destruction.join();
         return isAsked && nextReply()->_data == REFUSED ? EXIT_SUCCESS : EXIT_FAILURE;
     });
-    EXPECT_EQ(outcome.status, EXIT_SUCCESS) << outcome.out << outcome.err;
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS) << process.out() << process.err();
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "service/runService.h"
 #include "tests/support/FileDescriptor.h"
+#include "tests/support/Patience.h"
 #include "tests/support/Ports.h"
 #include "tests/support/Sockets.h"
 #include "tests/unit/service/OwnProcess.h"
@@ -19,25 +20,25 @@ constexpr auto WORKER_ERROR = "_handlerRoutine, exception: getStrVal: json msg i
 
 TEST(RunServiceDeathTest, PortThatIsTakenEndsTheProcessWithStatusZero) {
     const FileDescriptor taken = sockets::listenOn(CLIENT_PORT);
-    const Outcome outcome = runInOwnProcess([] { return runService(); });
-    EXPECT_EQ(outcome.status, EXIT_SUCCESS);
+    OwnProcess process([] { return runService(); });
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
     const std::string expected =
         "Address already in use: Address already in use\n"
         "Exception is caught in main \n";
-    if (outcome.out.empty()) {
-        EXPECT_EQ(outcome.err, expected);
+    if (process.out().empty()) {
+        EXPECT_EQ(process.err(), expected);
     } else {
-        EXPECT_EQ(outcome.out, WORKER_PROGRESS);
-        EXPECT_EQ(outcome.err, expected + WORKER_ERROR);
+        EXPECT_EQ(process.out(), WORKER_PROGRESS);
+        EXPECT_EQ(process.err(), expected + WORKER_ERROR);
     }
 }
 
 TEST(RunServiceDeathTest, ServiceRunsUntilItIsKilled) {
-    const Outcome outcome =
-        runInOwnProcess([] { return runService(); }, [] { return isListening(CLIENT_PORT); });
-    EXPECT_EQ(outcome.status, std::nullopt);
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.err, "");
+    OwnProcess process([] { return runService(); });
+    EXPECT_TRUE(eventually([] { return isListening(CLIENT_PORT); }));
+    EXPECT_TRUE(process.isAlive());
+    EXPECT_EQ(process.out(), "");
+    EXPECT_EQ(process.err(), "");
 }
 
 }  // namespace
