@@ -28,7 +28,7 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::uint16_t PORT = 4000;
-constexpr std::size_t LARGE_BYTES = 4'000'000;
+constexpr std::size_t LARGE_BYTES = 1'000'000;
 
 std::vector<std::uint8_t> frameOf(std::size_t bytes) {
     std::vector<std::uint8_t> frame(bytes);
@@ -65,7 +65,7 @@ protected:
         return std::async(std::launch::async, [=, this] { return send(frame, stallLimit); });
     }
 
-    static constexpr int SMALL_BUFFER_BYTES = 8192;
+    static constexpr int SMALL_BUFFER_BYTES = 65536;
 
     FileDescriptor service;
     Connection client;
@@ -102,19 +102,19 @@ TEST_F(FrameSenderTest, ClientThatTakesNothingIsGivenUpAndShutDown) {
 }
 
 TEST_F(FrameSenderTest, ClientThatStallsHalfWayIsGivenUp) {
-    auto sent = sendMeanwhile(frameOf(LARGE_BYTES), 200ms);
+    auto sent = sendMeanwhile(frameOf(LARGE_BYTES), 500ms);
     EXPECT_EQ(client.receive(LARGE_BYTES / 2).size(), LARGE_BYTES / 2);
     EXPECT_EQ(sent.get(), ETIMEDOUT);
 }
 
 TEST_F(FrameSenderTest, ClientThatKeepsTakingLittleByLittleIsServedToTheEnd) {
-    constexpr auto LIMIT = 1000ms;
+    constexpr auto LIMIT = 800ms;
     constexpr auto PAUSE = 20ms;
     constexpr std::size_t MORSEL_BYTES = 4096;
     // The kernel calls this buffer writable when a third of it is free, which takes this client
     // longer than the limit.
     setSendBuffer(400'000);
-    const auto frame = frameOf(1'200'000);
+    const auto frame = frameOf(1'400'000);
     const auto start = Clock::now();
     auto sent = sendMeanwhile(frame, LIMIT);
     std::string received;
