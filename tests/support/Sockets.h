@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+
+#include "tests/support/FileDescriptor.h"
+
+/// TCP sockets on loopback. Both operations throw std::system_error when the socket cannot be had.
+namespace sockets {
+
+/// Listens on 127.0.0.1. The port is not shared (no SO_REUSEPORT).
+[[nodiscard]] FileDescriptor listenOn(std::uint16_t port);
+
+/// Connects to 127.0.0.1. A `receiveBufferBytes` other than 0 makes the kernel's receive buffer
+/// that small, so that little can be sent to us while we do not read.
+[[nodiscard]] FileDescriptor connectTo(std::uint16_t port, int receiveBufferBytes = 0);
+
+}  // namespace sockets

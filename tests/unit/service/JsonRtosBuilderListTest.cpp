@@ -1,0 +1,40 @@
+#include <gtest/gtest.h>
+
+#include "commands/JsonRtosBuilderList.h"
+#include "tests/unit/service/Transcripts.h"
+#include "tests/unit/service/peers/JsonRtosBuilderTestPeer.h"
+
+namespace reticled {
+namespace {
+
+TEST(JsonRtosBuilderListTest, RequestHasExactlyItsTwoMembers) {
+    JsonRtosBuilderList builder;
+    builder.reset();
+    builder.buildMsgId();
+    builder.buildParam();
+    builder.finish();
+    EXPECT_EQ(builder.getRequest(), transcripts::LIST_REQUEST);
+}
+
+TEST(JsonRtosBuilderListTest, RequestIsTheSameEveryTime) {
+    JsonRtosBuilderList builder;
+    for (int i = 0; i < 3; ++i) {
+        builder.reset();
+        builder.buildMsgId();
+        builder.buildParam();
+        builder.finish();
+        EXPECT_EQ(builder.getRequest(), transcripts::LIST_REQUEST);
+    }
+}
+
+TEST(JsonRtosBuilderListTest, BuilderIsBusyFromResetToFinish) {
+    JsonRtosBuilderList builder;
+    EXPECT_FALSE(JsonRtosBuilderTestPeer::isBusy(builder));
+    builder.reset();
+    EXPECT_TRUE(JsonRtosBuilderTestPeer::isBusy(builder));
+    builder.finish();
+    EXPECT_FALSE(JsonRtosBuilderTestPeer::isBusy(builder));
+}
+
+}  // namespace
+}  // namespace reticled

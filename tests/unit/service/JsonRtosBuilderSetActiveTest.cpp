@@ -1,0 +1,56 @@
+#include <gtest/gtest.h>
+#include <json/value.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "commands/JsonRtosBuilderSetActive.h"
+#include "tests/unit/service/ExpectThrow.h"
+
+namespace reticled {
+namespace {
+
+std::string requestFor(const std::string& clientRequest) {
+    JsonRtosBuilderSetActive builder;
+    builder.reset();
+    builder.build(clientRequest);
+    builder.finish();
+    return builder.getRequest();
+}
+
+TEST(JsonRtosBuilderSetActiveTest, RequestNamesTheIndex) {
+    EXPECT_EQ(requestFor(R"({"action":"RETICLE_SET_ACTIVE","index":4})"),
+              "[\n\t{\n\t\t\"msg_id\" : 77,\n\t\t\"param\" : 4\n\t}\n]");
+}
+
+TEST(JsonRtosBuilderSetActiveTest, MissingIndexIsZero) {
+    EXPECT_EQ(requestFor(R"({"action":"RETICLE_SET_ACTIVE"})"),
+              "[\n\t{\n\t\t\"msg_id\" : 77,\n\t\t\"param\" : 0\n\t}\n]");
+}
+
+TEST(JsonRtosBuilderSetActiveTest, EmptyRequestThrows) {
+    expectThrow<std::runtime_error>([] { static_cast<void>(requestFor("")); },
+                                    "getIntVal: json msg is empty");
+}
+
+TEST(JsonRtosBuilderSetActiveTest, IndexThatIsNoIntegerThrowsAndLeavesNothingBuilt) {
+    JsonRtosBuilderSetActive builder;
+    builder.reset();
+    EXPECT_THROW(builder.build(R"({"index":"4"})"), Json::LogicError);
+    EXPECT_EQ(builder.getRequest(), "[\n\tnull\n]");
+}
+
+TEST(JsonRtosBuilderSetActiveTest, NothingOfTheLastCommandIsLeft) {
+    JsonRtosBuilderSetActive builder;
+    for (const char* index : {"1", "2"}) {
+        builder.reset();
+        builder.build(std::string(R"({"index":)") + index + "}");
+        builder.finish();
+        EXPECT_EQ(
+            builder.getRequest(),
+            std::string("[\n\t{\n\t\t\"msg_id\" : 77,\n\t\t\"param\" : ") + index + "\n\t}\n]");
+    }
+}
+
+}  // namespace
+}  // namespace reticled

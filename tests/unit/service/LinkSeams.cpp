@@ -1,0 +1,73 @@
+#include "tests/unit/service/LinkSeams.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <new>
+#include <thread>
+
+namespace seams {
+namespace {
+
+std::atomic<std::size_t> refusedBytes{SIZE_MAX};
+
+void* allocate(std::size_t bytes, void* (*real)(std::size_t)) {
+    dawdle(dawdleBeforeAllocation);
+    if (bytes >= refusedBytes) {
+        throw std::bad_alloc();
+    }
+    return real(bytes);
+}
+
+}  // namespace
+
+thread_local std::chrono::nanoseconds dawdleBeforeWait{0};
+thread_local std::chrono::nanoseconds dawdleBeforeAllocation{0};
+
+void dawdle(std::chrono::nanoseconds duration) {
+    if (duration == duration.zero()) {
+        return;
+    }
+    const auto end = std::chrono::steady_clock::now() + duration;
+    while (std::chrono::steady_clock::now() < end) {
+        std::this_thread::yield();
+    }
+}
+
+MemoryShortage::MemoryShortage(std::size_t fromBytes) {
+    refusedBytes = fromBytes;
+}
+
+MemoryShortage::~MemoryShortage() {
+    refusedBytes = SIZE_MAX;
+}
+
+}  // namespace seams
+
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): names that the linker
+// makes: __wrap_ is called instead of, __real_ is the function itself
+extern "C" {
+
+void __real__ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE(
+    std::condition_variable* condition, std::unique_lock<std::mutex>* lock);
+
+void __wrap__ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE(
+    std::condition_variable* condition, std::unique_lock<std::mutex>* lock) {
+    seams::dawdle(seams::dawdleBeforeWait);
+    __real__ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE(condition, lock);
+}
+
+void* __real__Znwm(std::size_t bytes);
+
+void* __wrap__Znwm(std::size_t bytes) {
+    return seams::allocate(bytes, __real__Znwm);
+}
+
+void* __real__Znam(std::size_t bytes);
+
+void* __wrap__Znam(std::size_t bytes) {
+    return seams::allocate(bytes, __real__Znam);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)

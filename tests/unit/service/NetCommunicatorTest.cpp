@@ -1,0 +1,510 @@
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <future>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "net/NetCommunicator.h"
+#include "tests/support/Connection.h"
+#include "tests/support/FrameClient.h"
+#include "tests/support/Patience.h"
+#include "tests/support/Ports.h"
+#include "tests/support/ScriptedRtos.h"
+#include "tests/support/Sockets.h"
+#include "tests/support/Text.h"
+#include "tests/unit/service/DescriptorLimit.h"
+#include "tests/unit/service/ExpectThrow.h"
+#include "tests/unit/service/LinkSeams.h"
+#include "tests/unit/service/OutputCapture.h"
+#include "tests/unit/service/OwnProcess.h"
+#include "tests/unit/service/Transcripts.h"
+#include "tests/unit/service/peers/NetCommunicatorTestPeer.h"
+
+namespace reticled {
+namespace {
+
+using Peer = NetCommunicatorTestPeer;
+using Bodies = std::vector<std::string>;
+
+constexpr std::string_view SYNC =
+    "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F "
+    "10 11 12 13 14 15 16 17 18 19 1A 1B 1C 1D 1E 1F ";
+constexpr std::string_view ZEROED_SYNC =
+    "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
+    "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 1F ";
+constexpr auto NO_LENGTH = "Failed to retrieve packet length\n";
+constexpr auto NO_JSON = "Error: received packet isn't json\n";
+
+/// The two ends of a connection.
+struct Pair {
+    FileDescriptor service;
+    Connection client;
+};
+
+Pair connectedPair() {
+    std::array<int, 2> ends{};
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) < 0) {
+        throw std::system_error(errno, std::generic_category(), "socketpair");
+    }
+    return {FileDescriptor(ends[0], "socketpair"),
+            Connection(FileDescriptor(ends[1], "socketpair"))};
+}
+
+std::string frame(std::string_view sync, std::string_view length, std::string_view body) {
+    return fromHex(std::string(sync) + std::string(length)) + std::string(body);
+}
+
+/// A server whose requests and replies the test takes and gives in the worker's place.
+class NetCommunicatorTest : public testing::Test {
+protected:
+    NetCommunicatorTest() { Peer::useStorage(net, storage); }
+
+    /// All requests that are queued.
+    [[nodiscard]] std::vector<std::shared_ptr<Packet>> queuedRequests() const {
+        const auto end = std::make_shared<Packet>(0, "");
+        storage->push(REQUEST_QUEUE, end);
+        std::vector<std::shared_ptr<Packet>> requests;
+        for (auto request = storage->pop(REQUEST_QUEUE); request != end;
+             request = storage->pop(REQUEST_QUEUE)) {
+            requests.push_back(request);
+        }
+        return requests;
+    }
+
+    /// Plays a client that sends `bytes` and leaves. \return the bodies that its reader queued.
+    Bodies read(const std::string& bytes) {
+        Pair pair = connectedPair();
+        descriptor = dup(pair.service.get());
+        pair.service.close();
+        const std::jthread client([&] {
+            pair.client.send(bytes);
+            pair.client.closeWriting();
+        });
+        Peer::clientRoutine(net, descriptor);
+        Bodies bodies;
+        for (const auto& request : queuedRequests()) {
+            EXPECT_EQ(request->_socket, descriptor);
+            bodies.push_back(request->_data);
+        }
+        return bodies;
+    }
+
+    void queueReply(int socket, std::string text) const {
+        storage->push(RESPONSE_QUEUE, std::make_shared<Packet>(socket, std::move(text)));
+    }
+
+    OutputCapture output;
+    std::shared_ptr<PacketStorage> storage = std::make_shared<PacketStorage>();
+    NetCommunicator net;
+    int descriptor = -1;  ///< of the last connection that was read
+};
+
+TEST_F(NetCommunicatorTest, FrameBecomesARequestWithTheConnectionsDescriptor) {
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 0B", R"({"a":"b"}  )")), Bodies{R"({"a":"b"}  )"});
+    EXPECT_EQ(output.out(), "total cnt = 32\njson is true, length = 11\n");
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(NetCommunicatorTest, ZeroesAreTakenForTheSyncBytes) {
+    EXPECT_EQ(read(frame(ZEROED_SYNC, "00 00 00 02", "{}")), Bodies{"{}"});
+}
+
+TEST_F(NetCommunicatorTest, HeaderWithoutSyncSequenceIsRefusedAndTheNextIsRead) {
+    std::string zeroAtTheEnd(SYNC);
+    zeroAtTheEnd.replace(zeroAtTheEnd.size() - 3, 2, "00");
+    std::string oneAtTheStart(SYNC);
+    oneAtTheStart.replace(0, 2, "01");
+    const std::string good = frame(SYNC, "00 00 00 02", "{}");
+    EXPECT_EQ(read(frame(zeroAtTheEnd, "00 00 00 02", "") + good), Bodies{"{}"});
+    EXPECT_EQ(read(frame(oneAtTheStart, "00 00 00 02", "") + good), Bodies{"{}"});
+    EXPECT_EQ(output.err(), repeated(NO_LENGTH, 2));
+}
+
+TEST_F(NetCommunicatorTest, ImpossibleLengthsAreRefusedAndTheNextHeaderIsRead) {
+    const std::string good = frame(SYNC, "00 00 00 02", "{}");
+    for (const char* length :
+         {"00 00 00 00", "80 00 00 00", "FF FF FF FF", "7F FF FF FF", "00 40 00 00"}) {
+        const OutputCapture own;
+        EXPECT_EQ(read(frame(SYNC, length, "") + good), Bodies{"{}"}) << length;
+        EXPECT_EQ(own.err(), NO_LENGTH) << length;
+    }
+}
+
+TEST_F(NetCommunicatorTest, LongestBodyIsOneByteShortOf4MiB) {
+    const std::string body = std::string(4'194'301, ' ') + "{}";
+    const Bodies bodies = read(frame(SYNC, "00 3F FF FF", body));
+    ASSERT_EQ(bodies.size(), 1U);
+    EXPECT_TRUE(bodies[0] == body);
+}
+
+TEST_F(NetCommunicatorTest, FramesBackToBackBecomeRequestsInTheirOrder) {
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 03", "[1]") + frame(SYNC, "00 00 00 02", "{}") +
+                   frame(SYNC, "00 00 00 03", "[2]")),
+              (Bodies{"[1]", "{}", "[2]"}));
+}
+
+TEST_F(NetCommunicatorTest, BodyThatIsNoJsonIsDroppedAndTheNextFrameIsRead) {
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 03", "[1,") + frame(SYNC, "00 00 00 02", "{}")),
+              Bodies{"{}"});
+    EXPECT_EQ(output.err(), NO_JSON);
+}
+
+TEST_F(NetCommunicatorTest, BodyIsJudgedUpToItsFirstZeroByteAndKeptWhole) {
+    const std::string body = std::string("{}") + '\0' + "no json";
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 0A", body)), Bodies{body});
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 03", std::string("\0{}", 3))), Bodies{});
+    EXPECT_EQ(output.err(), NO_JSON);
+}
+
+TEST_F(NetCommunicatorTest, ClientThatLeavesInAHeaderCostsOneLineAtMost) {
+    EXPECT_EQ(read(fromHex("00 01 02 03")), Bodies{});
+    EXPECT_EQ(output.err(), NO_LENGTH);
+}
+
+TEST_F(NetCommunicatorTest, ClientThatLeavesAfterAHeaderCostsNothing) {
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 02", "")), Bodies{});
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(NetCommunicatorTest, BodyThatTheClientCutsShortIsTakenAsItIs) {
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 FF", "{}")), Bodies{"{}"});
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 FF", "{")), Bodies{});
+    EXPECT_EQ(output.err(), NO_JSON);
+}
+
+TEST_F(NetCommunicatorTest, ClientThatSendsNothingCostsNothing) {
+    EXPECT_EQ(read(""), Bodies{});
+    EXPECT_EQ(output.out(), "");
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(NetCommunicatorTest, ConnectionIsClosedAtItsEnd) {
+    const std::size_t before = openDescriptors();
+    EXPECT_EQ(read(frame(SYNC, "00 00 00 02", "{}")), Bodies{"{}"});
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(NetCommunicatorTest, ErrorsOfReceivingAndClosingAreReported) {
+    Peer::clientRoutine(net, -1);
+    EXPECT_EQ(output.err(), repeated("Bad file descriptor: Bad file descriptor\n", 2));
+}
+
+TEST_F(NetCommunicatorTest, BodyThatThereIsNoMemoryForCostsItsClientTheConnection) {
+    const seams::MemoryShortage shortage(1'000'000);
+    EXPECT_EQ(read(frame(SYNC, "00 0F 42 40", "")), Bodies{});
+    EXPECT_EQ(output.err(), "_clientRoutine, exception: std::bad_alloc\n");
+    // One byte less is there.
+    EXPECT_EQ(read(frame(SYNC, "00 0F 42 3F", "{}")), Bodies{"{}"});
+}
+
+TEST_F(NetCommunicatorTest, ReplyGoesOutAsAFrame) {
+    Pair pair = connectedPair();
+    queueReply(pair.service.get(), "{}");
+    Peer::sendNextReply(net);
+    EXPECT_EQ(pair.client.receive(38), frame(SYNC, "00 00 00 02", "{}"));
+    EXPECT_TRUE(pair.client.isQuiet());
+    EXPECT_EQ(output.out(), "responseThread: msg to send = {}\n");
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(NetCommunicatorTest, LargeReplyGoesOutAsAFrameToo) {
+    Pair pair = connectedPair();
+    const std::string text = "[" + std::string(99'998, ' ') + "]";
+    queueReply(pair.service.get(), text);
+    auto received = std::async(std::launch::async, [&] { return pair.client.receive(100'036); });
+    Peer::sendNextReply(net);
+    EXPECT_TRUE(received.get() == frame(SYNC, "00 01 86 A0", text));
+    EXPECT_TRUE(pair.client.isQuiet());
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(NetCommunicatorTest, LargeReplyToAClientThatHasLeftIsReportedOnce) {
+    Pair gone = connectedPair();
+    gone.client.close();
+    queueReply(gone.service.get(), std::string(100'000, ' '));
+    Peer::sendNextReply(net);
+    EXPECT_EQ(output.err(),
+              "Error during send response for socket: " + std::to_string(gone.service.get()) +
+                  "\nBroken pipe: Broken pipe\n");
+}
+
+TEST_F(NetCommunicatorTest, RepliesGoOutInTheirOrderWhoeverTheyAreFor) {
+    Pair one = connectedPair();
+    Pair other = connectedPair();
+    queueReply(one.service.get(), "[1]");
+    queueReply(other.service.get(), "[2]");
+    queueReply(one.service.get(), "[3]");
+    Peer::sendNextReply(net);
+    EXPECT_EQ(one.client.receive(39), frame(SYNC, "00 00 00 03", "[1]"));
+    EXPECT_TRUE(other.client.isQuiet());
+    Peer::sendNextReply(net);
+    EXPECT_EQ(other.client.receive(39), frame(SYNC, "00 00 00 03", "[2]"));
+    EXPECT_TRUE(one.client.isQuiet());
+    Peer::sendNextReply(net);
+    EXPECT_EQ(one.client.receive(39), frame(SYNC, "00 00 00 03", "[3]"));
+}
+
+TEST_F(NetCommunicatorTest, ReplyToAClientThatHasLeftIsReportedAndTheNextGoesOut) {
+    Pair gone = connectedPair();
+    gone.client.close();
+    Pair there = connectedPair();
+    queueReply(gone.service.get(), "[1]");
+    queueReply(-1, "[2]");
+    queueReply(there.service.get(), "[3]");
+    for (int i = 0; i < 3; ++i) {
+        Peer::sendNextReply(net);
+    }
+    EXPECT_EQ(output.err(),
+              "Error during send response for socket: " + std::to_string(gone.service.get()) +
+                  "\nBroken pipe: Broken pipe\n"
+                  "Error during send response for socket: -1\n"
+                  "Bad file descriptor: Bad file descriptor\n");
+    EXPECT_EQ(there.client.receive(39), frame(SYNC, "00 00 00 03", "[3]"));
+}
+
+TEST_F(NetCommunicatorTest, ReplyForSocketZeroIsDroppedWithoutAMessage) {
+    queueReply(0, "{}");
+    Peer::sendNextReply(net);
+    EXPECT_EQ(output.out(), "responseThread: msg to send = {}\n");
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(NetCommunicatorTest, ReplyThatThereIsNoMemoryForIsLostAndTheNextGoesOut) {
+    Pair pair = connectedPair();
+    std::string tooLarge(60'000, ' ');
+    std::jthread responses([this] { Peer::responseThread(net); });
+    {
+        const seams::MemoryShortage shortage(tooLarge.size());
+        queueReply(pair.service.get(), std::move(tooLarge));
+        queueReply(pair.service.get(), "{}");
+        EXPECT_EQ(pair.client.receive(38), frame(SYNC, "00 00 00 02", "{}"));
+    }
+    EXPECT_EQ(output.err(), "responseThread, exception: std::bad_alloc\n");
+    Peer::stop(net);
+    queueReply(0, "the last, which nobody gets");
+    responses.join();
+}
+
+TEST_F(NetCommunicatorTest, SocketListensAsTheServiceNeedsIt) {
+    EXPECT_TRUE(isListening(CLIENT_PORT));
+    const auto option = [this](int name) {
+        int value = 0;
+        socklen_t size = sizeof value;
+        EXPECT_EQ(getsockopt(Peer::serverSocket(net), SOL_SOCKET, name, &value, &size), 0);
+        return value;
+    };
+    EXPECT_EQ(option(SO_REUSEPORT), 1);
+    EXPECT_EQ(option(SO_ACCEPTCONN), 1);
+    // The kernel grants at most its own limit, and doubles it.
+    const int limit = std::stoi(contentOfFile("/proc/sys/net/core/rmem_max"));
+    EXPECT_EQ(option(SO_RCVBUF), 2 * std::min(4'194'304, limit));
+}
+
+TEST_F(NetCommunicatorTest, JoinWithoutAServerThreadReturnsAtOnce) {
+    net.join();
+}
+
+TEST_F(NetCommunicatorTest, PortMayBeSharedWithWhoeverSharesIt) {
+    const NetCommunicator other;
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST(NetCommunicatorPortTest, PortThatIsTakenFailsTheConstruction) {
+    const OutputCapture output;
+    const FileDescriptor taken = sockets::listenOn(CLIENT_PORT);
+    expectThrow<std::runtime_error>([] { const NetCommunicator net; },
+                                    "Cannot bind server socker to PORT 3451");
+    EXPECT_EQ(output.err(), "Address already in use: Address already in use\n");
+}
+
+TEST(NetCommunicatorPortTest, SocketThatCannotBeHadFailsTheConstruction) {
+    // Components that need descriptors are there before.
+    const auto components = PacketsHandler::getInstance();
+    const OutputCapture output;
+    std::optional<NoSpareDescriptor> noDescriptor(std::in_place);
+    expectThrow<std::runtime_error>([] { const NetCommunicator net; },
+                                    "Failed to set REUSE_PORT option");
+    noDescriptor.reset();
+    EXPECT_EQ(output.err(), "Bad file descriptor: Bad file descriptor\n");
+}
+
+void connectToService(const FileDescriptor& socket) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(CLIENT_PORT);
+    // NOLINTNEXTLINE(*-reinterpret-cast): the sockets interface asks for it
+    const auto* any = reinterpret_cast<const sockaddr*>(&address);
+    ASSERT_EQ(connect(socket.get(), any, sizeof address), 0);
+}
+
+/// A server that accepts.
+class AcceptingNetCommunicatorTest : public NetCommunicatorTest {
+protected:
+    AcceptingNetCommunicatorTest() { Peer::startServerThread(net); }
+
+    /// Readers are detached: none may be left when the server goes.
+    void TearDown() override {
+        EXPECT_TRUE(eventually([this] { return openDescriptors() <= _descriptorsAtStart; }));
+    }
+
+    [[nodiscard]] std::shared_ptr<Packet> nextRequest() const {
+        auto request =
+            std::async(std::launch::async, [this] { return storage->pop(REQUEST_QUEUE); });
+        if (request.wait_for(PATIENCE) == std::future_status::timeout) {
+            ADD_FAILURE() << "no request is queued";
+            storage->push(REQUEST_QUEUE, std::make_shared<Packet>(0, ""));
+        }
+        return request.get();
+    }
+
+private:
+    std::size_t _descriptorsAtStart = openDescriptors();
+};
+
+TEST_F(AcceptingNetCommunicatorTest, EachClientHasAReader) {
+    FrameClient first;
+    FrameClient second;
+    second.sendFrame("[2]");
+    const auto fromSecond = nextRequest();
+    first.sendFrame("[1]");
+    const auto fromFirst = nextRequest();
+    EXPECT_EQ(fromSecond->_data, "[2]");
+    EXPECT_EQ(fromFirst->_data, "[1]");
+    EXPECT_NE(fromFirst->_socket, fromSecond->_socket);
+}
+
+TEST_F(AcceptingNetCommunicatorTest, ClientThatLeavesInAHeaderDisturbsNobody) {
+    FrameClient staying;
+    FrameClient leaving;
+    leaving.sendBytes(fromHex("00 01 02"));
+    leaving.connection().close();
+    ASSERT_TRUE(eventually([this] { return countOf(NO_LENGTH, output.err()) == 1; }));
+    staying.sendFrame("[1]");
+    EXPECT_EQ(nextRequest()->_data, "[1]");
+    FrameClient late;
+    late.sendFrame("[2]");
+    EXPECT_EQ(nextRequest()->_data, "[2]");
+}
+
+TEST_F(AcceptingNetCommunicatorTest, WithoutDescriptorsAcceptIsTriedAgainAfterAPause) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::size_t LINES = 5;
+    constexpr auto PAUSE = std::chrono::milliseconds(10);
+    constexpr auto LINE = "Too many open files: Too many open files\n";
+    FrameClient client(0);
+    client.sendFrame("[1]");
+    EXPECT_EQ(nextRequest()->_data, "[1]");
+
+    FileDescriptor waiting(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
+    std::optional<NoSpareDescriptor> noDescriptor(std::in_place);
+    const auto start = Clock::now();
+    connectToService(waiting);
+    ASSERT_TRUE(eventually([&] { return countOf(LINE, output.err()) >= LINES; }));
+    const std::size_t lines = countOf(LINE, output.err());
+    EXPECT_LE(lines, 1 + static_cast<std::size_t>((Clock::now() - start) / PAUSE));
+
+    noDescriptor.reset();
+    Connection served(std::move(waiting));
+    served.send(frame(SYNC, "00 00 00 03", "[2]"));
+    EXPECT_EQ(nextRequest()->_data, "[2]");
+}
+
+TEST_F(AcceptingNetCommunicatorTest, JoinWaitsForTheServerThread) {
+    auto joined = std::async(std::launch::async, [this] { net.join(); });
+    EXPECT_EQ(joined.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    Peer::stop(net);
+    shutdown(Peer::serverSocket(net), SHUT_RDWR);
+    EXPECT_EQ(joined.wait_for(PATIENCE), std::future_status::ready);
+}
+
+TEST(NetCommunicatorEndTest, DestructionEndsTheServerThreadAndClosesThePort) {
+    const OutputCapture output;
+    {
+        NetCommunicator net;
+        Peer::startServerThread(net);
+        EXPECT_TRUE(isListening(CLIENT_PORT));
+    }
+    EXPECT_FALSE(isListening(CLIENT_PORT));
+}
+
+/// Expects that a server cannot be constructed where the kernel refuses a system call with EPERM.
+void expectFailureWithout(unsigned systemCall, std::optional<unsigned> thirdArgument,
+                          const std::string& text) {
+    OwnProcess process([&]() -> int {
+        refuseSystemCall(systemCall, EPERM, thirdArgument);
+        try {
+            const NetCommunicator net;
+        } catch (const std::runtime_error& failure) {
+            std::cout << failure.what() << std::endl;
+        }
+        // Not the worker's lines at the end of the process.
+        _exit(EXIT_SUCCESS);
+    });
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
+    EXPECT_EQ(process.out(), text + '\n');
+    EXPECT_EQ(process.err(), "Operation not permitted: Operation not permitted\n");
+}
+
+TEST(NetCommunicatorDeathTest, OptionThatCannotBeSetFailsTheConstruction) {
+    expectFailureWithout(SYS_setsockopt, SO_REUSEPORT, "Failed to set REUSE_PORT option");
+    expectFailureWithout(SYS_setsockopt, SO_RCVBUF, "Failed to set rcv buffer size");
+}
+
+TEST(NetCommunicatorDeathTest, ListenThatFailsFailsTheConstruction) {
+    expectFailureWithout(SYS_listen, std::nullopt,
+                         "Error during attemp to move the socket in listen state");
+}
+
+TEST(NetCommunicatorDeathTest, ReaderThatCannotBeStartedCostsItsClientTheConnection) {
+    OwnProcess process([]() -> int {
+        NetCommunicator net;
+        refuseSystemCall(SYS_clone3, EAGAIN);
+        refuseSystemCall(SYS_clone, EAGAIN);
+        Pair pair = connectedPair();
+        Peer::startReader(net, dup(pair.service.get()));
+        pair.service.close();
+        _exit(pair.client.seesEnd() ? EXIT_SUCCESS : EXIT_FAILURE);
+    });
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
+    EXPECT_EQ(process.err(), "_serverRoutine, exception: Resource temporarily unavailable\n");
+}
+
+TEST(NetCommunicatorDeathTest, StartedServiceAnswersItsClients) {
+    constexpr auto REPLY = "{\n\t\"result\" : \"RETICLES_COUNT_OUT_OF_BOUNDS\"\n}";
+    OwnProcess process([]() -> int {
+        ScriptedRtos rtos;
+        const auto net = NetCommunicator::getInstance();
+        net->start();
+        FrameClient client;
+        client.sendFrame(R"({"action":"RETICLES_GET_ALL"})");
+        const bool isAsked = rtos.exchange(R"([{"ret_val":6}])") == transcripts::LIST_REQUEST;
+        const bool isAnswered = client.readReply() == REPLY;
+        // So that nothing of the connection keeps the port from the next test.
+        client.connection().reset();
+        // The threads never end: no orderly way out.
+        _exit(isAsked && isAnswered ? EXIT_SUCCESS : EXIT_FAILURE);
+    });
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS) << process.out() << process.err();
+}
+
+}  // namespace
+}  // namespace reticled

@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "processing/PacketsHandler.h"
+#include "tests/support/Patience.h"
+#include "tests/support/ScriptedRtos.h"
+#include "tests/support/Text.h"
+#include "tests/unit/service/OutputCapture.h"
+#include "tests/unit/service/OwnProcess.h"
+#include "tests/unit/service/Transcripts.h"
+#include "tests/unit/service/peers/JsonHandlerTestPeer.h"
+
+namespace reticled {
+namespace {
+
+using transcripts::LIST_REQUEST;
+
+constexpr auto GET_ALL = R"({"action":"RETICLES_GET_ALL"})";
+constexpr auto REFUSAL = R"([{"ret_val":6}])";
+constexpr auto REFUSED = "{\n\t\"result\" : \"RETICLES_COUNT_OUT_OF_BOUNDS\"\n}";
+constexpr auto REQUEST_LINE_START = "PacketsHandler::_handlerRoutine, json req: ";
+
+std::shared_ptr<Packet> push(int socket, const std::string& request) {
+    auto packet = std::make_shared<Packet>(socket, request);
+    PacketStorage::getInstance()->push(REQUEST_QUEUE, packet);
+    return packet;
+}
+
+std::shared_ptr<Packet> nextReply() {
+    return PacketStorage::getInstance()->pop(RESPONSE_QUEUE);
+}
+
+/// The process's one worker, with an RTOS link of its own for each test.
+class PacketsHandlerTest : public testing::Test {
+protected:
+    PacketsHandlerTest() {
+        const auto link = std::make_shared<LocalCommunicator>();
+        for (const char* action : {"RETICLES_GET_ALL", "RETICLE_SET_ACTIVE",
+                                   "RETICLES_ADD_OR_UPDATE", "RETICLES_DELETE"}) {
+            const auto handler = JsonHandlerDirector::getInstance()->getHandler(
+                std::string(R"({"action":")") + action + "\"}");
+            JsonHandlerTestPeer::link(*handler) = link;
+        }
+    }
+
+    OutputCapture output;
+    ScriptedRtos rtos;
+    std::shared_ptr<PacketsHandler> worker = PacketsHandler::getInstance();
+};
+
+TEST_F(PacketsHandlerTest, ReplyComesInThePacketThatBroughtTheRequest) {
+    const auto packet = push(17, GET_ALL);
+    EXPECT_EQ(rtos.exchange(REFUSAL), LIST_REQUEST);
+    EXPECT_EQ(nextReply(), packet);
+    EXPECT_EQ(packet->_socket, 17);
+    EXPECT_EQ(packet->_data, REFUSED);
+    EXPECT_TRUE(output.out().starts_with(std::string(REQUEST_LINE_START) + GET_ALL + '\n'));
+}
+
+TEST_F(PacketsHandlerTest, RequestsAreAnsweredOneAfterTheOther) {
+    const auto first = push(1, GET_ALL);
+    const auto second = push(2, GET_ALL);
+    EXPECT_EQ(rtos.receiveRequest(), LIST_REQUEST);
+    EXPECT_EQ(countOf(REQUEST_LINE_START, output.out()), 1U);
+    EXPECT_TRUE(rtos.isQuiet());
+    rtos.answer(REFUSAL);
+    EXPECT_EQ(nextReply(), first);
+    EXPECT_EQ(rtos.exchange(REFUSAL), LIST_REQUEST);
+    EXPECT_EQ(nextReply(), second);
+    EXPECT_EQ(countOf(REQUEST_LINE_START, output.out()), 2U);
+}
+
+TEST_F(PacketsHandlerTest, HandlerThatThrowsCostsOneReplyAndALine) {
+    const auto failing = push(1, GET_ALL);
+    const auto next = push(2, GET_ALL);
+    EXPECT_EQ(rtos.exchange("no json"), LIST_REQUEST);
+    EXPECT_EQ(rtos.exchange(REFUSAL), LIST_REQUEST);
+    EXPECT_EQ(nextReply(), next);
+    EXPECT_EQ(failing->_data, GET_ALL);
+    EXPECT_EQ(output.err(),
+              "_handlerRoutine, exception: Corrupted json packet was received fromRTOS\n"
+              "json value: 6\n");
+}
+
+TEST_F(PacketsHandlerTest, RequestWithoutAnActionCostsOneReplyAndALine) {
+    push(1, "{}");
+    push(1, "");
+    push(1, "[]");
+    const auto next = push(2, GET_ALL);
+    EXPECT_EQ(rtos.exchange(REFUSAL), LIST_REQUEST);
+    EXPECT_EQ(nextReply(), next);
+    EXPECT_EQ(countOf("_handlerRoutine, exception: ", output.err()), 3U);
+    EXPECT_EQ(countOf("_handlerRoutine, exception: getStrVal: json msg is empty\n", output.err()),
+              1U);
+}
+
+TEST_F(PacketsHandlerTest, RequestIsHandledAlsoWhenABrokenTextFollowsIt) {
+    const auto packet = push(1, std::string(GET_ALL) + '\0' + "{{{");
+    EXPECT_EQ(rtos.exchange(REFUSAL), LIST_REQUEST);
+    EXPECT_EQ(nextReply(), packet);
+    EXPECT_EQ(packet->_data, REFUSED);
+}
+
+// Deliberate: the call through the empty pointer ends the process, at once and in every build.
+TEST(PacketsHandlerDeathTest, UnknownActionEndsTheProcess) {
+    OwnProcess process([] {
+        const PacketsHandler worker;
+        push(1, R"({"action":"RETICLES_FORGET"})");
+        static_cast<void>(nextReply());
+        return EXIT_SUCCESS;
+    });
+    EXPECT_EQ(process.waitForEnd(), 128 + SIGABRT);
+    EXPECT_EQ(process.out(),
+              "PacketsHandler::_handlerRoutine, json req: {\"action\":\"RETICLES_FORGET\"}\n");
+    EXPECT_EQ(countOf("Assertion '_M_get() != nullptr' failed", process.err()), 1U)
+        << process.err();
+}
+
+TEST(PacketsHandlerDeathTest, DestructionWakesAWaitingWorkerWithAnEmptyRequest) {
+    OwnProcess process([] {
+        auto worker = std::make_unique<PacketsHandler>();
+        const OutputCapture output;
+        // Once the failure is logged, the worker is about to wait for the next request.
+        push(1, "{}");
+        if (!eventually([&] { return countOf("\n", output.err()) == 1; })) {
+            return EXIT_FAILURE;
+        }
+        worker.reset();
+        return EXIT_SUCCESS;
+    });
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
+}
+
+TEST(PacketsHandlerDeathTest, DestructionLetsTheWorkerFinishItsRequest) {
+    OwnProcess process([] {
+        auto worker = std::make_unique<PacketsHandler>();
+        ScriptedRtos rtos;
+        push(1, GET_ALL);
+        const bool isAsked = rtos.receiveRequest() == LIST_REQUEST;
+        std::jthread destruction([&] { worker.reset(); });
+        rtos.answer(REFUSAL);
+        destruction.join();
+        return isAsked && nextReply()->_data == REFUSED ? EXIT_SUCCESS : EXIT_FAILURE;
+    });
+    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS) << process.out() << process.err();
+}
+
+}  // namespace
+}  // namespace reticled

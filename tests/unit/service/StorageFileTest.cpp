@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <fstream>
+#include <future>
+#include <string>
+
+#include "reticles/StorageFile.h"
+#include "tests/support/FlashFiles.h"
+#include "tests/unit/service/DescriptorLimit.h"
+
+namespace reticled {
+namespace {
+
+class StorageFileTest : public testing::Test {
+protected:
+    FlashFiles flash;
+};
+
+TEST_F(StorageFileTest, FileIsReadByteForByte) {
+    const std::string content = std::string("a\r\n\xFF") + '\0' + "b";
+    flash.write("file", content);
+    EXPECT_EQ(StorageFile("/tmp/FL0/file").readAll(), content);
+}
+
+TEST_F(StorageFileTest, LargeFileIsReadWhole) {
+    std::string content(6'000'001, 'x');
+    content.back() = 'y';
+    flash.write("file", content);
+    EXPECT_TRUE(StorageFile("/tmp/FL0/file").readAll() == content);
+}
+
+TEST_F(StorageFileTest, FilesThatCannotBeReadAreEmpty) {
+    flash.write("empty", "");
+    EXPECT_EQ(StorageFile("/tmp/FL0/empty").readAll(), "");
+    EXPECT_EQ(StorageFile("/tmp/FL0/missing").readAll(), "");
+    EXPECT_EQ(StorageFile("/tmp/FL0/").readAll(), "");
+    EXPECT_EQ(StorageFile("").readAll(), "");
+}
+
+TEST_F(StorageFileTest, FileWithoutASizeIsReadToItsEnd) {
+    ASSERT_EQ(mkfifo("/tmp/FL0/fifo", 0600), 0);
+    const std::string content(200'000, 'x');
+    auto written =
+        std::async(std::launch::async, [&] { std::ofstream("/tmp/FL0/fifo") << content; });
+    EXPECT_TRUE(StorageFile("/tmp/FL0/fifo").readAll() == content);
+}
+
+TEST_F(StorageFileTest, NoDescriptorIsKept) {
+    flash.write("file", "content");
+    const std::size_t before = openDescriptors();
+    EXPECT_EQ(StorageFile("/tmp/FL0/file").readAll(), "content");
+    EXPECT_EQ(StorageFile("/tmp/FL0/missing").readAll(), "");
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+}  // namespace
+}  // namespace reticled
