@@ -38,7 +38,7 @@ private:
     enum class Progress { PARTIAL, COMPLETE, WRONG };
 
     struct Client {
-        int connection;
+        int connection = -1;
         std::size_t received = 0;
     };
 

@@ -118,7 +118,8 @@ void ReticleWork::_addReticles(const Json::Value& records) {
         _exchange(message);
     }
     for (std::size_t i = 0; i < messages.size(); ++i) {
-        std::remove((STORAGE + ("new_reticle_data" + std::to_string(i))).c_str());
+        const std::string path = STORAGE + ("new_reticle_data" + std::to_string(i));
+        static_cast<void>(std::remove(path.c_str()));
     }
 }
 

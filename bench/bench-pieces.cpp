@@ -6,7 +6,7 @@
 #include <json/value.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <cstdint>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -28,8 +28,8 @@ struct JsonNetBuilderTestPeer {
 
 namespace {
 
-constexpr int KB = 1000;
-constexpr int MB = 1000 * KB;
+constexpr std::int64_t KB = 1000;
+constexpr std::int64_t MB = 1000 * KB;
 constexpr int CAPACITY = 15;
 const std::string LIST_ANSWER = R"([{"param":"list","ret_val":0}])";
 const std::string LINE =
@@ -56,7 +56,7 @@ std::string addRequest(std::int64_t size) {
 void queueOneThread(benchmark::State& state) {
     PacketQueue queue(CAPACITY);
     const auto packet = std::make_shared<Packet>(1, "{}");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         queue.push(packet);
         benchmark::DoNotOptimize(queue.waitAndPop());
     }
@@ -73,7 +73,7 @@ void queueTwoThreads(benchmark::State& state) {
         }
     });
     const auto packet = std::make_shared<Packet>(1, "{}");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         there.push(packet);
         benchmark::DoNotOptimize(back.waitAndPop());
     }
@@ -84,7 +84,7 @@ BENCHMARK(queueTwoThreads)->UseRealTime();
 
 void getPacketLength(benchmark::State& state) {
     const auto frame = JsonRetriever::buildNetPacket("{}");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonRetriever::getPacketLength(frame.data()));
     }
 }
@@ -92,7 +92,7 @@ BENCHMARK(getPacketLength);
 
 void buildNetPacket(benchmark::State& state) {
     const std::string body(static_cast<std::size_t>(state.range(0)), 'x');
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonRetriever::buildNetPacket(body));
     }
 }
@@ -100,7 +100,7 @@ BENCHMARK(buildNetPacket)->Arg(KB)->Arg(5 * MB);
 
 void isJson(benchmark::State& state) {
     const std::string request = addRequest(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonRetriever::isJson(request));
     }
 }
@@ -108,7 +108,7 @@ BENCHMARK(isJson)->Arg(KB)->Arg(MB);
 
 void getStrVal(benchmark::State& state) {
     const std::string request = R"({"action": "RETICLE_SET_ACTIVE", "index": 0})";
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonRetriever::getStrVal(request, ACTION));
     }
 }
@@ -116,14 +116,14 @@ BENCHMARK(getStrVal);
 
 void getIntVal(benchmark::State& state) {
     const std::string request = R"({"action": "RETICLE_SET_ACTIVE", "index": 0})";
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonRetriever::getIntVal(request, INDEX));
     }
 }
 BENCHMARK(getIntVal);
 
 void getVal(benchmark::State& state) {
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonRetriever::getVal<int>(LIST_ANSWER, RET_VAL));
     }
 }
@@ -132,7 +132,7 @@ BENCHMARK(getVal);
 void getIntVector(benchmark::State& state) {
     const std::string request =
         R"({"action": "RETICLES_DELETE", "indices": [0, 1, 2, 3, 4, 5, 6, 7, 8, 9]})";
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonRetriever::getIntVector(request, INDICES));
     }
 }
@@ -140,7 +140,7 @@ BENCHMARK(getIntVector);
 
 void getReticleRecords(benchmark::State& state) {
     const std::string request = addRequest(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonRetriever::getReticleRecords(request, RETICLES));
     }
 }
@@ -148,7 +148,7 @@ BENCHMARK(getReticleRecords)->Arg(KB)->Arg(MB);
 
 void applyUserColor(benchmark::State& state) {
     const std::string text = drawing(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonNetBuilderTestPeer::applyUserColor(text, "#00ff00"));
     }
 }
@@ -157,14 +157,14 @@ BENCHMARK(applyUserColor)->Arg(KB)->Arg(100 * KB);
 /// A colour whose '$' has to be looked at as an expansion.
 void applyUserColorWithDollar(benchmark::State& state) {
     const std::string text = drawing(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(JsonNetBuilderTestPeer::applyUserColor(text, "$$00ff00"));
     }
 }
 BENCHMARK(applyUserColorWithDollar)->Arg(KB);
 
 void fillReticles(benchmark::State& state) {
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         JsonNetBuilder builder;
         builder.fillReticles(LIST_ANSWER);
         benchmark::DoNotOptimize(builder);
@@ -173,7 +173,7 @@ void fillReticles(benchmark::State& state) {
 BENCHMARK(fillReticles);
 
 void getResponse(benchmark::State& state) {
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         state.PauseTiming();
         JsonNetBuilder builder;
         builder.fillReticles(LIST_ANSWER);
@@ -189,7 +189,7 @@ void writeJsonSmall(benchmark::State& state) {
     message["param"] = 0;
     Json::Value request;
     request.append(message);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(writeJson(request));
     }
 }

@@ -41,7 +41,8 @@ def process_name(contender):
 class Load:
     """The load generator of one contender."""
 
-    def __init__(self, cell, files):
+    def __init__(self, contender, cell, files):
+        self._contender = contender
         self._process = cell.start(
             [str(PROGRAMS / "bench-load"), str(files / "request"), str(files / "reply"),
              str(MOST_CONNECTIONS)], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
@@ -51,14 +52,14 @@ class Load:
         """Returns the nanoseconds for each request."""
         elapsed, wrong, lost = map(int, self._ask(f"run {connections} {requests}"))
         if wrong or lost:
-            raise ReplyError(f"{wrong} wrong, {lost} lost")
+            raise ReplyError(f"{self._contender}: {wrong} wrong, {lost} lost")
         return elapsed / requests
 
     def burst(self, count):
         """Returns the nanoseconds after which each reply to `count` requests in one write came."""
         arrivals = [int(word) for word in self._ask(f"burst {count}")]
         if len(arrivals) != count:
-            raise ReplyError(f"{count - len(arrivals)} lost or wrong")
+            raise ReplyError(f"{self._contender}: {count - len(arrivals)} lost or wrong")
         return arrivals
 
     def add_silent(self, count):
@@ -72,7 +73,7 @@ class Load:
     def _read(self):
         line = self._process.stdout.readline()
         if not line:
-            raise ReplyError("the load generator has ended")
+            raise ReplyError(f"{self._contender}: its load generator has ended")
         return line.split()
 
 
@@ -91,4 +92,4 @@ def started(contender, files):
     with started_rtos(files) as cell:
         cell.start(command_of(contender, files), stdout=subprocess.DEVNULL,
                    stdin=subprocess.DEVNULL)
-        yield Load(cell, files), cell.find(process_name(contender))
+        yield Load(contender, cell, files), cell.find(process_name(contender))

@@ -37,7 +37,7 @@ void detach() {
 }
 
 void relay(std::span<char*> files) {
-    const auto reply = std::make_shared<const std::string>(readFile(files.front()));
+    auto reply = std::make_shared<const std::string>(readFile(files.front()));
     std::vector<std::string> exchanges;
     for (const char* file : files.subspan(1)) {
         exchanges.push_back(readFile(file));

@@ -31,7 +31,7 @@ class Plan:
 
 
 FULL = Plan(rounds=21, round_s=0.04, starts=21, bursts=20, idle_s=10, pieces_s=0.2)
-QUICK = Plan(rounds=5, round_s=0.01, starts=3, bursts=5, idle_s=2, pieces_s=0.01)
+QUICK = Plan(rounds=3, round_s=0.01, starts=3, bursts=5, idle_s=2, pieces_s=0.01)
 
 
 def alternate(loads, connections, plan):
@@ -49,7 +49,7 @@ def alternate(loads, connections, plan):
 def _requests_for(load, connections, seconds):
     """As many requests as fit in `seconds`, a whole number for each connection; warms up, too."""
     load.run(connections, connections)
-    nanoseconds = load.run(connections, 2 * connections)
+    nanoseconds = load.run(connections, connections)
     return max(1, round(seconds * 1e9 / nanoseconds / connections)) * connections
 
 

@@ -111,8 +111,7 @@ void Connection::send(std::string_view bytes, const Deadline& deadline) {
 
 std::size_t Connection::receive(std::string& text, std::size_t atMost, const Deadline& deadline) {
     constexpr std::size_t CHUNK_BYTES = 65536;
-    std::array<char, CHUNK_BYTES>
-        chunk;  // NOLINT(cppcoreguidelines-pro-type-member-init): recv fills it
+    std::array<char, CHUNK_BYTES> chunk{};
     while (true) {
         _waitFor(POLLIN, deadline);
         const ssize_t received =

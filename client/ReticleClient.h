@@ -36,8 +36,8 @@ public:
     ///        host name is not bounded by it.
     /// \throws CannotConnect.
     ReticleClient(std::string host, std::uint16_t port, std::chrono::milliseconds timeout);
-    ReticleClient(ReticleClient&&) noexcept;
-    ReticleClient& operator=(ReticleClient&&) noexcept;
+    ReticleClient(ReticleClient&& other) noexcept;
+    ReticleClient& operator=(ReticleClient&& other) noexcept;
     ReticleClient(const ReticleClient&) = delete;
     ReticleClient& operator=(const ReticleClient&) = delete;
     ~ReticleClient();

@@ -27,8 +27,7 @@ void JsonRtosBuilderAddOrUpdate::build(const std::string& request) {
     // Intended: no separator, log readers look for "buildmsg: ".
     logLine(std::cout, "build", "msg: ", request);
     const std::vector<ReticleRecord> records = JsonRetriever::getReticleRecords(request, RETICLES);
-    // Intended: written for every request, also when it has records; log readers count commands by
-    // it.
+    // Intended: written for every request, also when it has records.
     logLine(std::cout, "build", "indices is empty ");
     for (const ReticleRecord& record : records) {
         _requests.push_back(_makeMessage(record));

@@ -28,12 +28,12 @@ FrameSender::~FrameSender() {
     }
 }
 
-int FrameSender::send(std::span<const std::uint8_t> frame) {
-    while (!frame.empty()) {
-        const ssize_t taken =
-            ::send(_socket, frame.data(), frame.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+int FrameSender::send(std::span<const std::uint8_t> bytes, Rest rest) {
+    const int flags = MSG_NOSIGNAL | MSG_DONTWAIT | (rest == Rest::FOLLOWS ? MSG_MORE : 0);
+    while (!bytes.empty()) {
+        const ssize_t taken = ::send(_socket, bytes.data(), bytes.size(), flags);
         if (taken >= 0) {
-            frame = frame.subspan(static_cast<std::size_t>(taken));
+            bytes = bytes.subspan(static_cast<std::size_t>(taken));
         } else if (errno == EAGAIN) {
             if (!_waitForProgress()) {
                 shutdown(_socket, SHUT_RDWR);

@@ -16,6 +16,9 @@ inline constexpr std::chrono::seconds STALL_LIMIT{30};
 /// the client leaves meanwhile, its number may be given to a new client, who must not get the rest.
 class FrameSender {
 public:
+    /// Whether more of the frame is to come at once: the kernel then waits with a small segment.
+    enum class Rest { NONE, FOLLOWS };
+
     /// \param socket a client connection; not owned. One that is already closed makes send fail.
     /// \param stallLimit see STALL_LIMIT.
     explicit FrameSender(int socket, std::chrono::milliseconds stallLimit = STALL_LIMIT);
@@ -24,10 +27,11 @@ public:
     FrameSender& operator=(const FrameSender&) = delete;
     ~FrameSender();
 
-    /// Sends all of `frame`; blocks as long as the client goes on taking bytes. A client that
-    /// stalls is shut down, so that its reader thread ends the connection. Response thread only.
-    /// \return 0 or the errno value of what ended it, ETIMEDOUT for a client that stalled.
-    [[nodiscard]] int send(std::span<const std::uint8_t> frame);
+    /// Sends all of `bytes`, the frame or its next part; blocks as long as the client goes on
+    /// taking bytes. A client that stalls is shut down, so that its reader thread ends the
+    /// connection. Response thread only. \return 0 or the errno value of what ended it, ETIMEDOUT
+    /// for a client that stalled.
+    [[nodiscard]] int send(std::span<const std::uint8_t> bytes, Rest rest = Rest::NONE);
 
 private:
     /// Waits until the client has taken something. False when it took nothing for the stall limit.

@@ -1,6 +1,7 @@
 #include "net/NetCommunicator.h"
 
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -19,6 +20,9 @@ namespace {
 constexpr int LISTEN_BACKLOG = 10;
 /// Until a descriptor or memory may be free again; at once would burn a core.
 constexpr std::chrono::milliseconds ACCEPT_RETRY_PAUSE{10};
+
+/// Replies from this size on are sent without putting header and body together in memory first.
+constexpr std::size_t SEPARATE_BODY_BYTES = 65536;
 
 [[noreturn]] void failSetup(const char* message) {
     logSystemError(errno);
@@ -65,6 +69,19 @@ bool isJsonUpToZeroByte(const std::string& body) {
                                     : JsonRetriever::isJson(body.substr(0, end));
 }
 
+/// \return 0 or the errno value of what ended it.
+int sendReply(int socket, const std::string& body) {
+    FrameSender sender(socket);
+    if (body.size() < SEPARATE_BODY_BYTES) {
+        return sender.send(JsonRetriever::buildNetPacket(body));
+    }
+    const int error =
+        sender.send(JsonRetriever::buildNetHeader(body.size()), FrameSender::Rest::FOLLOWS);
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): characters are bytes
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(body.data());
+    return error != 0 ? error : sender.send({bytes, body.size()});
+}
+
 }  // namespace
 
 NetCommunicator::NetCommunicator()
@@ -91,6 +108,10 @@ void NetCommunicator::_openServerSocket() {
     _serverSocket = socket(AF_INET, SOCK_STREAM, 0);
     setSocketOption(_serverSocket, SO_REUSEPORT, 1, "Failed to set REUSE_PORT option");
     setSocketOption(_serverSocket, SO_RCVBUF, RCV_BUFFER_SIZE, "Failed to set rcv buffer size");
+    // Inherited by the connections: without it a small reply waits for the client's acknowledgement
+    // of the one before. The service works without it, too.
+    const int enable = 1;
+    setsockopt(_serverSocket, IPPROTO_TCP, TCP_NODELAY, &enable, sizeof enable);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_ANY);
@@ -194,7 +215,7 @@ void NetCommunicator::_sendNextReply() {
     if (socket == 0) {
         return;
     }
-    const int error = FrameSender(socket).send(JsonRetriever::buildNetPacket(packet->_data));
+    const int error = sendReply(socket, packet->_data);
     if (error != 0) {
         logLine(std::cerr, "Error during send response for socket: ", socket);
         logSystemError(error);

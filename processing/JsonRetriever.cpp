@@ -198,14 +198,20 @@ int JsonRetriever::getPacketLength(const std::uint8_t* header) {
     return static_cast<int>(length);
 }
 
-std::vector<std::uint8_t> JsonRetriever::buildNetPacket(const std::string& body) {
-    std::vector<std::uint8_t> frame;
-    frame.reserve(FRAME_HEADER_SIZE + body.size());
-    frame.resize(FRAME_SYNC_SIZE);
-    std::iota(frame.begin(), frame.end(), std::uint8_t{0});
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        frame.push_back(static_cast<std::uint8_t>(body.size() >> shift));
+std::array<std::uint8_t, FRAME_HEADER_SIZE> JsonRetriever::buildNetHeader(std::size_t bodySize) {
+    std::array<std::uint8_t, FRAME_HEADER_SIZE> header{};
+    std::iota(header.begin(), header.begin() + FRAME_SYNC_SIZE, std::uint8_t{0});
+    for (std::size_t i = FRAME_HEADER_SIZE; i > FRAME_SYNC_SIZE; bodySize >>= 8U) {
+        header.at(--i) = static_cast<std::uint8_t>(bodySize);
     }
+    return header;
+}
+
+std::vector<std::uint8_t> JsonRetriever::buildNetPacket(const std::string& body) {
+    const auto header = buildNetHeader(body.size());
+    std::vector<std::uint8_t> frame;
+    frame.reserve(header.size() + body.size());
+    frame.assign(header.begin(), header.end());
     frame.insert(frame.end(), body.begin(), body.end());
     return frame;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -71,7 +73,11 @@ public:
     /// \return 0 when the sync bytes are wrong; negative for lengths of 2 GiB and more.
     [[nodiscard]] static int getPacketLength(const std::uint8_t* header);
 
-    /// The client frame for `body`: sync bytes, length (32 bits), body.
+    /// The header of the client frame for a body of `bodySize` bytes, counted with 32 bits.
+    [[nodiscard]] static std::array<std::uint8_t, FRAME_HEADER_SIZE> buildNetHeader(
+        std::size_t bodySize);
+
+    /// The client frame for `body`, header and body in one piece.
     [[nodiscard]] static std::vector<std::uint8_t> buildNetPacket(const std::string& body);
 };
 

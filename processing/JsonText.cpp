@@ -3,6 +3,10 @@
 #include <json/reader.h>
 #include <json/writer.h>
 
+#include <memory>
+#include <sstream>
+#include <utility>
+
 namespace reticled {
 
 bool parseJson(std::string_view text, Comments comments, Json::Value& root) {
@@ -16,7 +20,12 @@ bool parseJson(std::string_view text, Comments comments, Json::Value& root) {
 }
 
 std::string writeJson(const Json::Value& value) {
-    return Json::writeString(Json::StreamWriterBuilder(), value);
+    static const Json::StreamWriterBuilder builder;
+    const std::unique_ptr<Json::StreamWriter> writer(builder.newStreamWriter());
+    // What Json::writeString does, but without the copy out of the stream.
+    std::ostringstream text;
+    writer->write(value, &text);
+    return std::move(text).str();
 }
 
 }  // namespace reticled

@@ -44,8 +44,9 @@ void PacketsHandler::_handleNextPacket() {
     logLine(std::cout, "PacketsHandler::_handlerRoutine, json req: ", packet->_data);
     const std::shared_ptr<JsonHandler> handler = _handlerDirector->getHandler(packet->_data);
     // Intended: an action that nobody handles gives an empty pointer, and the call through it ends
-    // the process at once (the library's assertions are on in every build). Supervisors restart it.
-    std::string reply = handler->handleJsReq(packet->_data);
+    // the process at once: the library's assertions, on in every build, check operator* (not ->).
+    // Supervisors restart the service.
+    std::string reply = (*handler).handleJsReq(packet->_data);
     packet->_data.swap(reply);
     _packetStorage->push(RESPONSE_QUEUE, packet);
 }

@@ -77,14 +77,14 @@ std::optional<Json::Value> JsonNetBuilder::_makeRecord(Json::Value& entry) {
     const std::string activeKey = JsonRetriever::keyName(IS_ACTIVE);
     const std::string userColor = entry[JsonRetriever::keyName(USER_COLOR)].asCString();
     const std::string fileName = entry[dataKey].asCString();
-    std::string data = _getReticleData(fileName, userColor);
+    const std::string data = _getReticleData(fileName, userColor);
     if (data.empty()) {
         return std::nullopt;
     }
     Json::Value record;
     record[indexKey] = std::move(entry[indexKey]);
     record[nameKey] = entry[nameKey].asCString();
-    record[dataKey] = std::move(data);
+    record[dataKey] = data;
     record[deletableKey] = entry[deletableKey].asInt() != 0;
     record[activeKey] = entry[activeKey].asInt() != 0;
     return record;

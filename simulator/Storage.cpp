@@ -46,6 +46,16 @@ bool isBelow(const fs::path& path, const fs::path& root) {
     return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
 }
 
+void replace(const fs::path& path, std::string_view text) {
+    std::ofstream file(aside(path), std::ios::binary | std::ios::trunc);
+    file.write(text.data(), static_cast<std::streamsize>(text.size()));
+    file.close();
+    if (!file) {
+        throw std::runtime_error("cannot write " + aside(path).string());
+    }
+    fs::rename(aside(path), path);
+}
+
 }  // namespace
 
 Storage::Storage(fs::path root) : _root(std::move(root)), _reticles(_root / "reticle") {
@@ -70,12 +80,12 @@ std::optional<ReticleList> Storage::load() const {
 }
 
 void Storage::save(const ReticleList& list) {
-    _replace(_root / LIST_FILE, listText(list));
+    replace(_root / LIST_FILE, listText(list));
     _removeUnlisted(list);
 }
 
 void Storage::writeReticle(const std::string& fileName, std::string_view text) {
-    _replace(_reticles / fileName, text);
+    replace(_reticles / fileName, text);
 }
 
 std::optional<std::string> Storage::takeNewData(const std::string& deviceName,
@@ -92,7 +102,7 @@ std::optional<std::string> Storage::takeNewData(const std::string& deviceName,
 }
 
 void Storage::writeFaultyList(std::string_view text) {
-    _replace(_root / FAULTY_LIST_FILE, text);
+    replace(_root / FAULTY_LIST_FILE, text);
 }
 
 std::string Storage::rootText() const {
@@ -112,16 +122,6 @@ std::optional<fs::path> Storage::_resolve(const std::string& deviceName) const {
         return std::nullopt;
     }
     return path;
-}
-
-void Storage::_replace(const fs::path& path, std::string_view text) {
-    std::ofstream file(aside(path), std::ios::binary | std::ios::trunc);
-    file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    file.close();
-    if (!file) {
-        throw std::runtime_error("cannot write " + aside(path).string());
-    }
-    fs::rename(aside(path), path);
 }
 
 void Storage::_removeUnlisted(const ReticleList& list) {

@@ -56,7 +56,6 @@ public:
 private:
     [[nodiscard]] std::optional<std::filesystem::path> _resolve(
         const std::string& deviceName) const;
-    void _replace(const std::filesystem::path& path, std::string_view text);
     void _removeUnlisted(const ReticleList& list);
 
     std::filesystem::path _root;

@@ -44,6 +44,7 @@ void add(const Session& session, const std::vector<NamedFile>& pairs) {
                       "standard input can be read for one reticle only: use files");
     }
     std::vector<reticle::NewReticle> reticles;
+    reticles.reserve(pairs.size());
     for (const NamedFile& pair : pairs) {
         reticles.push_back({pair.name, readText(pair.file, session.in)});
     }

@@ -27,7 +27,7 @@ std::string checkTimeout(const std::string& text) {
     constexpr double SHORTEST_S = 0.001;
     constexpr double LONGEST_S = 86400;
     double seconds = 0;
-    const auto end = std::from_chars(text.data(), text.data() + text.size(), seconds).ptr;
+    const char* end = std::from_chars(text.data(), text.data() + text.size(), seconds).ptr;
     // Written so that "nan" is refused, too.
     const bool isTimeout =
         end == text.data() + text.size() && seconds >= SHORTEST_S && seconds <= LONGEST_S;

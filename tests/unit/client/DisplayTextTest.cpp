@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "tools/reticlectl/DisplayText.h"
 
 namespace reticlectl {
@@ -22,10 +24,11 @@ TEST(Printable, EscapesControlCharacters) {
 }
 
 TEST(Printable, EscapesWhatTurnsTheLineAround) {
-    EXPECT_EQ(printable("a\xE2\x80\xAE"
-                        "b"),
-              "a\\u202Eb");
-    EXPECT_EQ(printable("\xE2\x81\xA6"), "\\u2066");
+    // Byte by byte, so that nothing is turned around in this file.
+    const std::string rightToLeft = {'\xE2', '\x80', '\xAE'};
+    const std::string isolate = {'\xE2', '\x81', '\xA6'};
+    EXPECT_EQ(printable("a" + rightToLeft + "b"), "a\\u202Eb");
+    EXPECT_EQ(printable(isolate), "\\u2066");
     EXPECT_EQ(printable("\xE2\x80\xA8"), "\\u2028");
 }
 

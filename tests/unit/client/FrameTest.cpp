@@ -94,8 +94,16 @@ TEST(Frame, ClosedBeforeTheFirstByteIsNoReply) {
 }
 
 TEST(Frame, ResetBeforeTheFirstByteIsNoReply) {
-    const FakeService service([](FakePeer& peer) { peer.resetOnClose(); });
-    EXPECT_THROW(receiveFrom(service), NoReply);
+    const FakeService service([](FakePeer& peer) {
+        // Not before the client is through with connecting.
+        peer.receiveRequest();
+        peer.resetOnClose();
+    });
+    const Deadline deadline(10s);
+    Connection connection("127.0.0.1", service.port(), deadline);
+    connection.send(encodeFrame("{}"), deadline);
+    std::string body;
+    EXPECT_THROW(body = receiveFrame(connection, deadline), NoReply);
 }
 
 TEST(Frame, CutOffInTheHeaderIsMalformed) {
@@ -113,7 +121,15 @@ TEST(Frame, ALengthThatNoDeviceCanHoldIsMalformed) {
         peer.send(header({"\x40\x00\x00\x01", 4}));
         peer.waitForClose();
     });
-    EXPECT_THROW(receiveFrom(service), MalformedReply);
+    try {
+        receiveFrom(service);
+        FAIL();
+    } catch (const MalformedReply& error) {
+        EXPECT_STREQ(
+            error.what(),
+            "the reply announces 1073741825 bytes, which no device can hold: check that host "
+            "and port are the service's");
+    }
 }
 
 TEST(Frame, ALyingLengthEndsAtTheDeadline) {

@@ -7,8 +7,6 @@ namespace reticle {
 
 namespace {
 
-using std::string_literals::operator""s;
-
 /// The length of addRequest({{"n", ""}}).
 constexpr std::size_t EMPTY_ADD_BYTES = 71;
 
@@ -59,8 +57,8 @@ TEST(Request, RefusesWhatIsNotUtf8) {
 }
 
 TEST(Request, RefusesNul) {
-    EXPECT_THROW((void)addRequest({{"a\0b"s, "x"}}), InvalidText);
-    EXPECT_THROW((void)updateRequest(1, {"a", "x\0"s}), InvalidText);
+    EXPECT_THROW((void)addRequest({{std::string("a\0b", 3), "x"}}), InvalidText);
+    EXPECT_THROW((void)updateRequest(1, {"a", std::string("x\0", 2)}), InvalidText);
 }
 
 TEST(Request, SaysWhichTextIsWrongAndWhere) {

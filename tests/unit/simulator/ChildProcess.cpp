@@ -1,12 +1,12 @@
 #include "tests/unit/simulator/ChildProcess.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <stdexcept>
 
 namespace sim::test {

@@ -15,7 +15,9 @@ public:
     explicit ChildProcess(const std::vector<std::string>& arguments);
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
+    ChildProcess(ChildProcess&&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
+    ChildProcess& operator=(ChildProcess&&) = delete;
 
     /// The next line of its standard output without its end; what there is when it has ended.
     [[nodiscard]] std::string readLine();

@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -18,7 +20,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::StartsWith;
 
 constexpr const char* LIST = R"([{"msg_id":76,"param_get":""}])";
@@ -32,9 +33,7 @@ class FaultyDeviceTest : public testing::Test {
 protected:
     FaultyDevice withFaults(const std::vector<std::string>& texts, bool isVerbose = false) {
         std::vector<Fault> faults;
-        for (const std::string& text : texts) {
-            faults.push_back(parseFault(text));
-        }
+        std::transform(texts.begin(), texts.end(), std::back_inserter(faults), parseFault);
         return {_device, _storage, faults, _log, isVerbose};
     }
 

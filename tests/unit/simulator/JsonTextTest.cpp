@@ -11,7 +11,7 @@ namespace {
 
 TEST(JsonText, refusesWhatIsNotOneWholeText) {
     for (const char* text :
-         {"", "hello", "[", "[1,]", "[1] [2]", "{\"a\"}", "1", "[1] // one", "{\"a\":1,\"a\":2}"}) {
+         {"", "hello", "[", "[1,]", "[1] [2]", R"({"a"})", "1", "[1] // one", R"({"a":1,"a":2})"}) {
         EXPECT_THROW((void)parseJson(text), std::runtime_error) << text;
     }
 }

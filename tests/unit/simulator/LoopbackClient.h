@@ -13,7 +13,9 @@ public:
     explicit LoopbackClient(std::uint16_t port);
     ~LoopbackClient();
     LoopbackClient(const LoopbackClient&) = delete;
+    LoopbackClient(LoopbackClient&&) = delete;
     LoopbackClient& operator=(const LoopbackClient&) = delete;
+    LoopbackClient& operator=(LoopbackClient&&) = delete;
 
     void send(const std::string& text) const;
 

@@ -1,11 +1,12 @@
 // rtos-sim as its users start and stop it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 
-#include <algorithm>
+#include <chrono>
+#include <csignal>
 #include <random>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 

@@ -3,11 +3,11 @@
 
 #include <cerrno>
 #include <chrono>
-#include <functional>
 #include <sstream>
 #include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "simulator/Device.h"
@@ -24,7 +24,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 using test::LoopbackClient;
-using testing::HasSubstr;
 
 constexpr const char* LIST = R"([{"msg_id":76,"param_get":""}])";
 constexpr const char* LISTED = R"([{"param":"reticle_list.json","ret_val":0}])";
@@ -43,7 +42,9 @@ public:
 
     ~RunningSimulator() { stop(); }
     RunningSimulator(const RunningSimulator&) = delete;
+    RunningSimulator(RunningSimulator&&) = delete;
     RunningSimulator& operator=(const RunningSimulator&) = delete;
+    RunningSimulator& operator=(RunningSimulator&&) = delete;
 
     void stop() {
         _io.stop();

@@ -76,7 +76,7 @@ TEST_F(StorageTest, keepsTheOldListWhenTheNewOneCannotBeWritten) {
 
 TEST_F(StorageTest, readsTheStateBesideAHalfWrittenOne) {
     _storage.save(_list);
-    _root.write("reticle_list.json.aside", "[{\"reticles\":[{\"ind");
+    _root.write("reticle_list.json.aside", R"([{"reticles":[{"ind)");
     EXPECT_EQ(_storage.load(), _list);
     _storage.save({});
     EXPECT_EQ(_storage.load(), ReticleList());

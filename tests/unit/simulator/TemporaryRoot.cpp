@@ -1,9 +1,9 @@
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>

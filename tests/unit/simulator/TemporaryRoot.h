@@ -12,7 +12,9 @@ public:
     TemporaryRoot();
     ~TemporaryRoot();
     TemporaryRoot(const TemporaryRoot&) = delete;
+    TemporaryRoot(TemporaryRoot&&) = delete;
     TemporaryRoot& operator=(const TemporaryRoot&) = delete;
+    TemporaryRoot& operator=(TemporaryRoot&&) = delete;
 
     [[nodiscard]] const std::filesystem::path& path() const { return _path; }
 
