@@ -93,8 +93,10 @@ TEST_F(ShortageTest, ClientWaitsUntilThereIsADescriptorAndNoProcessorTimeIsBurnt
     FrameClient leaving;
     expectServed(leaving, rtos);
 
-    const std::size_t inUse = service.info().descriptors().size();
-    service.info().setSoftLimit(RLIMIT_NOFILE, inUse);
+    // Standard streams, RTOS socket, listening socket, two clients.
+    constexpr std::size_t IN_USE = 7;
+    EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == IN_USE; }));
+    service.info().setSoftLimit(RLIMIT_NOFILE, IN_USE);
     // The waiting accept has set one number aside already.
     FrameClient last;
     const auto start = std::chrono::steady_clock::now();
