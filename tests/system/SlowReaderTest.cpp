@@ -65,15 +65,26 @@ TEST_F(SlowReaderTest, SlowReaderIsServedToTheEnd) {
 // Named apart from the others: the one test that lasts half a minute, started first.
 class StalledReaderTest : public SlowReaderTest {};
 
-TEST_F(StalledReaderTest, StalledReaderIsCutOffAndTheOthersAreServed) {
+// While it stalls, the replies of all others wait: fifteen of them, what is more is lost.
+TEST_F(StalledReaderTest, StalledReaderIsCutOffAndFifteenRepliesHaveWaited) {
+    constexpr int WAITING = 15;
+    constexpr int LOST = 3;
     FrameClient other;
     EXPECT_EQ(slow.readBytes(1).size(), 1);
     const auto start = std::chrono::steady_clock::now();
-    other.sendFrame(GET_ALL);
-    EXPECT_EQ(rtos.exchange(exchanges::FULL), LIST_REQUEST);
-    EXPECT_EQ(other.readReply(STALL_LIMIT + PATIENCE), exchanges::FULL_REPLY);
-    const auto waited = std::chrono::steady_clock::now() - start;
-    EXPECT_GT(waited, STALL_LIMIT - std::chrono::seconds(2));
+    for (int i = 0; i < WAITING; ++i) {
+        other.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.exchange(R"([{"ret_val":5}])"), LIST_REQUEST);
+    }
+    for (int i = 0; i < LOST; ++i) {
+        other.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.exchange(R"([{"ret_val":7}])"), LIST_REQUEST);
+    }
+    for (int i = 0; i < WAITING; ++i) {
+        EXPECT_EQ(other.readReply(STALL_LIMIT + PATIENCE),
+                  "{\n\t\"result\" : \"RETICLE_INDEX_NOT_FOUND\"\n}");
+    }
+    EXPECT_GT(std::chrono::steady_clock::now() - start, STALL_LIMIT - std::chrono::seconds(2));
 
     EXPECT_EQ(countOf("Error during send response for socket: ", service.errors()), 1);
     EXPECT_TRUE(slow.connection().seesEnd());
