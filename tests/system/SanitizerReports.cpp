@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/system/Text.h"
+#include "tests/support/Text.h"
 
 namespace fs = std::filesystem;
 

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/FrameClient.h"
+#include "tests/support/ScriptedRtos.h"
+#include "tests/support/Text.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundService.h"
-#include "tests/system/FrameClient.h"
 #include "tests/system/Process.h"
-#include "tests/system/ScriptedRtos.h"
 #include "tests/system/SystemTest.h"
-#include "tests/system/Text.h"
 
 namespace {
 
