@@ -7,7 +7,7 @@
 namespace reticled {
 
 std::string JsonGetRetsHandler::handleJsReq(const std::string& /*request*/) {
-    const std::string answer = _localCommunicator->send_and_get(_listRequest());
+    const std::string answer = _localCommunicator->send_and_get(_listRequest);
     _netBuilder->reset();
     const bool isAccepted = _netBuilder->setResult(answer);
     logLine(std::cout, "handleJsReq", ": rtos response: ", answer);

@@ -2,13 +2,27 @@
 
 #include <iostream>
 
+#include "commands/JsonRtosBuilderList.h"
 #include "service/Log.h"
 
 namespace reticled {
 
+namespace {
+
+std::string buildListRequest() {
+    JsonRtosBuilderList builder;
+    builder.reset();
+    builder.buildMsgId();
+    builder.buildParam();
+    builder.finish();
+    return builder.getRequest();
+}
+
+}  // namespace
+
 JsonHandler::JsonHandler()
     : _localCommunicator(LocalCommunicator::getInstance()),
-      _rtosBuilder(std::make_shared<JsonRtosBuilderList>()),
+      _listRequest(buildListRequest()),
       _netBuilder(std::make_shared<JsonNetBuilder>()) {}
 
 bool JsonHandler::_exchangeAll(const std::vector<std::string>& requests) {
@@ -23,15 +37,7 @@ bool JsonHandler::_exchangeAll(const std::vector<std::string>& requests) {
 }
 
 void JsonHandler::_refreshList() {
-    _netBuilder->fillReticles(_localCommunicator->send_and_get(_listRequest()));
-}
-
-std::string JsonHandler::_listRequest() const {
-    _rtosBuilder->reset();
-    _rtosBuilder->buildMsgId();
-    _rtosBuilder->buildParam();
-    _rtosBuilder->finish();
-    return _rtosBuilder->getRequest();
+    _netBuilder->fillReticles(_localCommunicator->send_and_get(_listRequest));
 }
 
 std::string JsonHandler::_finishReply() {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "commands/JsonNetBuilder.h"
-#include "commands/JsonRtosBuilderList.h"
 #include "rtos/LocalCommunicator.h"
 
 namespace reticled {
@@ -40,14 +39,11 @@ protected:
     /// not looked at: the reply keeps the result of the command.
     void _refreshList();
 
-    /// The text of the list request.
-    [[nodiscard]] std::string _listRequest() const;
-
     /// Ends, logs and returns the reply.
     [[nodiscard]] std::string _finishReply();
 
     std::shared_ptr<LocalCommunicator> _localCommunicator;
-    std::shared_ptr<JsonRtosBuilderList> _rtosBuilder;
+    const std::string _listRequest;  ///< the same for every command, so it is built once
     std::shared_ptr<JsonNetBuilder> _netBuilder;
 };
 

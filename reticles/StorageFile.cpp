@@ -9,7 +9,7 @@
 namespace reticled {
 namespace {
 
-/// Added to a full buffer whose file goes on: it has grown, or it is none that knows its size.
+/// For files that do not know their size, as those of the kernel: read on in such steps.
 constexpr std::size_t GROWTH_BYTES = 65536;
 
 }  // namespace
@@ -25,8 +25,8 @@ StorageFile::~StorageFile() {
 }
 
 std::string StorageFile::readAll() const {
-    // One byte more than announced, so that the end shows without growing.
-    std::string text(_announcedSize() + 1, '\0');
+    const std::size_t announced = _announcedSize();
+    std::string text(announced > 0 ? announced : GROWTH_BYTES, '\0');
     std::size_t size = 0;
     for (;;) {
         const ssize_t count = read(_descriptor, text.data() + size, text.size() - size);
@@ -37,6 +37,9 @@ std::string StorageFile::readAll() const {
             break;
         }
         size += static_cast<std::size_t>(count);
+        if (size == announced) {
+            break;
+        }
         if (size == text.size()) {
             text.resize(size + GROWTH_BYTES);
         }

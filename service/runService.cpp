@@ -2,6 +2,7 @@
 
 #include <malloc.h>
 
+#include <cstdio>
 #include <iostream>
 
 #include "net/NetCommunicator.h"
@@ -18,6 +19,9 @@ constexpr int LARGE_BLOCK_BYTES = 128 * 1024;
 }  // namespace
 
 int runService() {
+    // One write for a line instead of one for each of its pieces.
+    std::cerr.unsetf(std::ios::unitbuf);
+    std::setvbuf(stderr, nullptr, _IOLBF, BUFSIZ);
     mallopt(M_MMAP_THRESHOLD, LARGE_BLOCK_BYTES);
     try {
         const auto netCommunicator = NetCommunicator::getInstance();

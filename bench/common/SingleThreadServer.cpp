@@ -20,17 +20,16 @@ SingleThreadServer::SingleThreadServer(Work work)
     : _work(std::move(work)), _listener(listenOn(CLIENT_PORT)) {}
 
 void SingleThreadServer::run() {
-    std::vector<pollfd>& watched = _clients;
-    watched.push_back({.fd = _listener, .events = POLLIN, .revents = 0});
+    _watched.push_back({.fd = _listener, .events = POLLIN, .revents = 0});
     for (;;) {
-        check(poll(watched.data(), watched.size(), NO_TIMEOUT), "poll");
-        for (std::size_t i = 1; i < watched.size(); ++i) {
-            if (watched[i].revents != 0) {
-                _serve(watched[i]);
+        check(poll(_watched.data(), _watched.size(), NO_TIMEOUT), "poll");
+        for (std::size_t i = 1; i < _watched.size(); ++i) {
+            if (_watched[i].revents != 0) {
+                _serve(_watched[i]);
             }
         }
-        if (watched.front().revents != 0) {
-            watched.push_back({.fd = acceptFrom(_listener), .events = POLLIN, .revents = 0});
+        if (_watched.front().revents != 0) {
+            _watched.push_back({.fd = acceptFrom(_listener), .events = POLLIN, .revents = 0});
         }
     }
 }

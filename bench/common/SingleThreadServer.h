@@ -22,7 +22,7 @@ private:
 
     Work _work;
     int _listener;
-    std::vector<pollfd> _clients;
+    std::vector<pollfd> _watched;  ///< the listener, then the clients
 };
 
 }  // namespace reticled::bench

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/FrameClient.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundTest.h"
-#include "tests/system/FrameClient.h"
 
 namespace {
 

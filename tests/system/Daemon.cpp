@@ -8,8 +8,8 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "tests/system/Patience.h"
-#include "tests/system/Ports.h"
+#include "tests/support/Patience.h"
+#include "tests/support/Ports.h"
 
 namespace {
 

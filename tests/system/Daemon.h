@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/system/ChildProcess.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/system/Process.h"
 #include "tests/system/ProcessInfo.h"
 #include "tests/system/Programs.h"

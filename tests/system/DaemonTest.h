@@ -1,7 +1,7 @@
 #pragma once
 
+#include "tests/support/ScriptedRtos.h"
 #include "tests/system/Daemon.h"
-#include "tests/system/ScriptedRtos.h"
 #include "tests/system/SystemTest.h"
 
 /// Tests of the real daemon between a scripted RTOS and real client sockets.

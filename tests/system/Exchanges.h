@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "tests/system/FrameClient.h"
-#include "tests/system/ScriptedRtos.h"
+#include "tests/support/FrameClient.h"
+#include "tests/support/ScriptedRtos.h"
 
 /// Texts that most tests exchange, byte for byte.
 namespace exchanges {

@@ -3,9 +3,9 @@
 #include <functional>
 #include <stdexcept>
 
-#include "tests/system/Patience.h"
-#include "tests/system/Ports.h"
-#include "tests/system/Text.h"
+#include "tests/support/Patience.h"
+#include "tests/support/Ports.h"
+#include "tests/support/Text.h"
 
 namespace {
 

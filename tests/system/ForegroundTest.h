@@ -1,7 +1,7 @@
 #pragma once
 
+#include "tests/support/ScriptedRtos.h"
 #include "tests/system/ForegroundService.h"
-#include "tests/system/ScriptedRtos.h"
 #include "tests/system/SystemTest.h"
 
 /// Tests that read log lines, and so need the service in the foreground.

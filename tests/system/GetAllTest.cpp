@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/FrameClient.h"
 #include "tests/system/DaemonTest.h"
 #include "tests/system/Exchanges.h"
-#include "tests/system/FrameClient.h"
 
 namespace {
 

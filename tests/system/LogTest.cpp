@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/FrameClient.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundTest.h"
-#include "tests/system/FrameClient.h"
 
 namespace {
 

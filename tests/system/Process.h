@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/system/ChildProcess.h"
-#include "tests/system/FileDescriptor.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/FileDescriptor.h"
 
 /// A program that we run, its standard streams captured in memory. Ends with this object.
 class Process {

@@ -11,7 +11,7 @@
 #include <system_error>
 #include <vector>
 
-#include "tests/system/Text.h"
+#include "tests/support/Text.h"
 
 namespace fs = std::filesystem;
 

@@ -3,9 +3,9 @@
 #include <list>
 #include <string>
 
+#include "tests/support/FrameClient.h"
 #include "tests/system/DaemonTest.h"
 #include "tests/system/Exchanges.h"
-#include "tests/system/FrameClient.h"
 
 namespace {
 

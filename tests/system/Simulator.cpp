@@ -3,8 +3,8 @@
 #include <csignal>
 #include <stdexcept>
 
-#include "tests/system/Patience.h"
-#include "tests/system/Ports.h"
+#include "tests/support/Patience.h"
+#include "tests/support/Ports.h"
 #include "tests/system/Programs.h"
 
 namespace {

@@ -3,10 +3,10 @@
 
 #include <chrono>
 
+#include "tests/support/FrameClient.h"
+#include "tests/support/Text.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundTest.h"
-#include "tests/system/FrameClient.h"
-#include "tests/system/Text.h"
 
 namespace {
 

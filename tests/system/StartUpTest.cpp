@@ -5,12 +5,12 @@
 #include <chrono>
 #include <filesystem>
 
+#include "tests/support/Sockets.h"
+#include "tests/support/Text.h"
 #include "tests/system/Daemon.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundService.h"
-#include "tests/system/Sockets.h"
 #include "tests/system/SystemTest.h"
-#include "tests/system/Text.h"
 
 namespace {
 

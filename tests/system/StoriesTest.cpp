@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/FrameClient.h"
 #include "tests/system/Daemon.h"
 #include "tests/system/Exchanges.h"
-#include "tests/system/FrameClient.h"
 #include "tests/system/Reticlectl.h"
 #include "tests/system/Simulator.h"
 #include "tests/system/SystemTest.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/system/FlashFiles.h"
+#include "tests/support/FlashFiles.h"
 #include "tests/system/SanitizerReports.h"
 
 /// What every system test has: fresh shared storage, and the demand that no sanitizer finds

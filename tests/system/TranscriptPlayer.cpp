@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "tests/system/Text.h"
+#include "tests/support/Text.h"
 
 namespace {
 

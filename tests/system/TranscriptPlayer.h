@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
+#include "tests/support/FlashFiles.h"
+#include "tests/support/FrameClient.h"
+#include "tests/support/ScriptedRtos.h"
 #include "tests/system/Daemon.h"
-#include "tests/system/FlashFiles.h"
-#include "tests/system/FrameClient.h"
-#include "tests/system/ScriptedRtos.h"
 #include "tests/system/Transcript.h"
 
 /// Plays a transcript against a fresh daemon, as its one client and its RTOS, strictly in the order

@@ -3,11 +3,11 @@
 #include <csignal>
 #include <string>
 
+#include "tests/support/FrameClient.h"
+#include "tests/support/ScriptedRtos.h"
 #include "tests/system/Daemon.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundService.h"
-#include "tests/system/FrameClient.h"
-#include "tests/system/ScriptedRtos.h"
 #include "tests/system/SystemTest.h"
 
 namespace {

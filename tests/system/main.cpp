@@ -4,8 +4,8 @@
 #include <exception>
 #include <iostream>
 
+#include "tests/support/Sandbox.h"
 #include "tests/system/Programs.h"
-#include "tests/system/Sandbox.h"
 
 // Listing the tests is part of the build and needs no sandbox; nothing else runs outside one.
 int main(int argc, char** argv) {

@@ -59,7 +59,9 @@ TEST_F(PacketsHandlerTest, ReplyComesInThePacketThatBroughtTheRequest) {
     EXPECT_EQ(nextReply(), packet);
     EXPECT_EQ(packet->_socket, 17);
     EXPECT_EQ(packet->_data, REFUSED);
-    EXPECT_TRUE(output.out().starts_with(std::string(REQUEST_LINE_START) + GET_ALL + '\n'));
+    std::string requestLine(REQUEST_LINE_START);
+    requestLine.append(GET_ALL).append("\n");
+    EXPECT_TRUE(output.out().starts_with(requestLine));
 }
 
 TEST_F(PacketsHandlerTest, RequestsAreAnsweredOneAfterTheOther) {
