@@ -14,7 +14,7 @@ namespace {
 // What clients' largest requests took must go back to the system; what every command takes anew must
 // not, since getting pages costs more than the work on them. Left to itself, the allocator keeps the
 // memory of the largest requests for good, and in every reader thread's arena.
-constexpr int RETURNED_BLOCK_BYTES = 2 * 1024 * 1024;
+constexpr int RETURNED_BLOCK_BYTES = 4 * 1024 * 1024;
 constexpr int KEPT_FREE_BYTES = 4 * 1024 * 1024;
 constexpr int ARENAS = 2;
 
