@@ -83,6 +83,27 @@ TEST(JsonTextTest, CommentsAreKeptOnlyWhereTheyAreCollected) {
     EXPECT_FALSE(verdictOf(TEXT, Comments::SKIP).value[0].hasComment(Json::commentAfterOnSameLine));
 }
 
+TEST(JsonTextTest, NothingOfAParseIsLeftForTheNext) {
+    const Verdict expected = verdictOf("[1]", Comments::COLLECT);
+    for (const std::string& before : {std::string("/* a */ [1 /* b */"), std::string("// c\n"),
+                                      std::string("[1,2"), repeated("[", 2000)}) {
+        static_cast<void>(verdictOf(before, Comments::COLLECT));
+        const Verdict verdict = verdictOf("[1]", Comments::COLLECT);
+        EXPECT_EQ(verdict, expected);
+        EXPECT_EQ(writeJson(verdict.value), "[ 1 ]");
+    }
+}
+
+TEST(JsonTextTest, NothingOfATextIsLeftForTheNext) {
+    Json::Value deep;
+    deep["a"]["b"].append("text");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(writeJson(deep),
+                  "{\n\t\"a\" : \n\t{\n\t\t\"b\" : \n\t\t[\n\t\t\t\"text\"\n\t\t]\n\t}\n}");
+        EXPECT_EQ(writeJson(Json::Value(5)), "5");
+    }
+}
+
 TEST(JsonTextTest, ZeroBytesDoNotEndTheText) {
     Json::Value value;
     EXPECT_TRUE(parseJson(std::string("[\"a\0b\"]", 7), Comments::SKIP, value));

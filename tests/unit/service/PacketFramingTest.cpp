@@ -167,6 +167,15 @@ TEST_F(PacketFramingTest, FrameCarriesAnyBodyUnchanged) {
     EXPECT_EQ(std::string(frame.begin() + 36, frame.end()), body);
 }
 
+TEST_F(PacketFramingTest, HeaderAloneCountsWith32Bits) {
+    const auto textOf = [](std::size_t bodySize) {
+        const auto header = JsonRetriever::buildNetHeader(bodySize);
+        return std::string(header.begin(), header.end());
+    };
+    EXPECT_EQ(textOf(0x01020304), fromHex(std::string(SYNC) + "01 02 03 04"));
+    EXPECT_EQ(textOf(0x1FFFFFFFE), fromHex(std::string(SYNC) + "FF FF FF FE"));
+}
+
 TEST_F(PacketFramingTest, FrameOfNothingIsAHeader) {
     const std::vector<std::uint8_t> frame = JsonRetriever::buildNetPacket("");
     EXPECT_EQ(std::string(frame.begin(), frame.end()), fromHex(std::string(SYNC) + "00 00 00 00"));
