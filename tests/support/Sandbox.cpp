@@ -119,6 +119,11 @@ int Sandbox::run(const std::function<int()>& body) const {
     return statusOf(child);
 }
 
+void Sandbox::renewNetwork() {
+    require(unshare(CLONE_NEWNET), "unshare (network namespace)");
+    bringLoopbackUp();
+}
+
 int Sandbox::_runInside(const std::function<int()>& body) const {
     try {
         require(prctl(PR_SET_PDEATHSIG, SIGKILL), "end with the parent");
