@@ -5,6 +5,6 @@ function(compile_quickly program)
     target_compile_options(${program} PRIVATE -O1)
     # With a precompiled header gcc 12 takes joining strings for an overrun inside the library.
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        target_compile_options(${program} PRIVATE -Wno-array-bounds -Wno-restrict)
+        target_compile_options(${program} PRIVATE -Wno-array-bounds -Wno-restrict -Wno-stringop-overflow)
     endif()
 endfunction()

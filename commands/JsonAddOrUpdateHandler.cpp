@@ -3,9 +3,7 @@
 namespace reticled {
 
 std::string JsonAddOrUpdateHandler::handleJsReq(const std::string& request) {
-    _cmdBuilder->reset();
-    _cmdBuilder->build(request);
-    _cmdBuilder->finish();
+    _build(*_cmdBuilder, request);
     const bool isAccepted = _exchangeAll(_cmdBuilder->getRequests());
     // Refused or not, the RTOS needs the files no longer. After an exception they stay for the next
     // one.

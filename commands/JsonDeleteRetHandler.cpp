@@ -3,9 +3,7 @@
 namespace reticled {
 
 std::string JsonDeleteRetHandler::handleJsReq(const std::string& request) {
-    _cmdBuilder->reset();
-    _cmdBuilder->build(request);
-    _cmdBuilder->finish();
+    _build(*_cmdBuilder, request);
     if (_exchangeAll(_cmdBuilder->getRequests())) {
         _refreshList();
     }

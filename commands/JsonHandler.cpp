@@ -6,7 +6,6 @@
 #include "service/Log.h"
 
 namespace reticled {
-
 namespace {
 
 std::string buildListRequest() {

@@ -22,8 +22,7 @@ public:
     /// Carries out one command.
     /// \param request the client's JSON text as received.
     /// \return the reply's JSON text. A command that the RTOS refuses has a reply too.
-    /// \throws std::runtime_error when the RTOS link fails, Json::Exception on fields that cannot
-    /// be
+    /// \throws std::runtime_error when the RTOS link fails, Json::Exception on fields that cannot be
     ///         read; the client then gets no reply, and what the RTOS has already done stays done.
     virtual std::string handleJsReq(const std::string& request) = 0;
 
@@ -31,8 +30,17 @@ protected:
     JsonHandler();
     ~JsonHandler() = default;
 
+    /// Has `builder` build the RTOS requests for a client's request.
+    template <class Builder>
+    static void _build(Builder& builder, const std::string& request) {
+        builder.reset();
+        builder.build(request);
+        builder.finish();
+    }
+
     /// Sends the requests one at a time and names each answer's result in the reply. Stops at the
-    /// first refusal. \return whether the RTOS accepted all, also when there were none.
+    /// first refusal.
+    /// \return whether the RTOS accepted all, also when there were none.
     [[nodiscard]] bool _exchangeAll(const std::vector<std::string>& requests);
 
     /// Asks the RTOS for its list and puts it into the reply. The list answer's own "ret_val" is
@@ -43,7 +51,8 @@ protected:
     [[nodiscard]] std::string _finishReply();
 
     std::shared_ptr<LocalCommunicator> _localCommunicator;
-    const std::string _listRequest;  ///< the same for every command, so it is built once
+    const std::string
+        _listRequest;  ///< the RTOS message for the list: always the same, so it is built once
     std::shared_ptr<JsonNetBuilder> _netBuilder;
 };
 

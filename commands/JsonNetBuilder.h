@@ -22,13 +22,13 @@ public:
     /// Names the "ret_val" of an RTOS answer under "result"; "" for a code that has no name.
     /// \param answer JSON; its last entry decides, an entry without "ret_val" counts as 0.
     /// \return whether "ret_val" is 0.
-    bool setResult(const std::string& answer);
+    [[nodiscard]] bool setResult(const std::string& answer);
 
     /// Sets "reticles" from the list file that an RTOS list answer names under "param" and from the
     /// reticle files that the list names.
     ///
     /// Entries that cannot be used are left out; problems are written to std::cerr. With no usable
-    /// entry "reticles" is null, not an empty array, on purpose: clients tell a list by its type.
+    /// entry "reticles" is null, not an empty array, on purpose.
     /// \param answer JSON or empty.
     /// \throws Json::Exception on nesting that the parser refuses.
     void fillReticles(const std::string& answer);
@@ -50,7 +50,7 @@ private:
     [[nodiscard]] static std::string _applyUserColor(const std::string& text,
                                                      const std::string& userColor);
 
-    std::atomic<std::int32_t> _isBusy{0};  ///< 1 from reset to finish, for a debugger's eye
+    std::atomic<std::int32_t> _isBusy{0};  ///< 1 from reset to finish, written only
     Json::Value _response;
 };
 

@@ -46,7 +46,7 @@ protected:
 private:
     friend struct JsonRtosBuilderTestPeer;
 
-    std::atomic<bool> _isBusy{false};  ///< true from reset to finish, for a debugger's eye
+    std::atomic<bool> _isBusy{false};  ///< true from reset to finish, written only
 };
 
 }  // namespace reticled

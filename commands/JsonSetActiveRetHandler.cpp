@@ -3,9 +3,7 @@
 namespace reticled {
 
 std::string JsonSetActiveRetHandler::handleJsReq(const std::string& request) {
-    _cmdBuilder->reset();
-    _cmdBuilder->build(request);
-    _cmdBuilder->finish();
+    _build(*_cmdBuilder, request);
     const std::string answer = _localCommunicator->send_and_get(_cmdBuilder->getRequest());
     _netBuilder->reset();
     if (_netBuilder->setResult(answer)) {

@@ -30,12 +30,16 @@ FrameSender::~FrameSender() {
 
 int FrameSender::send(std::span<const std::uint8_t> bytes, Rest rest) {
     const int flags = MSG_NOSIGNAL | MSG_DONTWAIT | (rest == Rest::FOLLOWS ? MSG_MORE : 0);
+    auto deadline = Clock::now() + _stallLimit;
     while (!bytes.empty()) {
         const ssize_t taken = ::send(_socket, bytes.data(), bytes.size(), flags);
         if (taken >= 0) {
             bytes = bytes.subspan(static_cast<std::size_t>(taken));
+            deadline = Clock::now() + _stallLimit;
         } else if (errno == EAGAIN) {
-            if (!_waitForProgress()) {
+            if (_waitForRoom(deadline)) {
+                deadline = Clock::now() + _stallLimit;
+            } else if (Clock::now() >= deadline) {
                 shutdown(_socket, SHUT_RDWR);
                 return ETIMEDOUT;
             }
@@ -46,24 +50,15 @@ int FrameSender::send(std::span<const std::uint8_t> bytes, Rest rest) {
     return 0;
 }
 
-bool FrameSender::_waitForProgress() const {
-    using Clock = std::chrono::steady_clock;
-    const auto deadline = Clock::now() + _stallLimit;
-    const int notTakenAtStart = _bytesNotTaken();
-    for (auto now = Clock::now(); now < deadline; now = Clock::now()) {
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - now);
-        pollfd writable{.fd = _socket, .events = POLLOUT, .revents = 0};
-        if (poll(&writable, 1, static_cast<int>(std::min(left, PROGRESS_CHECK_INTERVAL).count())) !=
-            0) {
-            return true;
-        }
-        // The kernel says "writable" only when a third of its buffer is free; a slow client takes
-        // bytes long before that.
-        if (_bytesNotTaken() < notTakenAtStart) {
-            return true;
-        }
-    }
-    return false;
+bool FrameSender::_waitForRoom(Clock::time_point deadline) const {
+    const int notTakenBefore = _bytesNotTaken();
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    const auto pause = std::clamp(left, std::chrono::milliseconds{0}, PROGRESS_CHECK_INTERVAL);
+    pollfd writable{.fd = _socket, .events = POLLOUT, .revents = 0};
+    poll(&writable, 1, static_cast<int>(pause.count()));
+    // Asked apart from the poll: the kernel says "writable" only when a third of its buffer is free, a
+    // slow client takes bytes long before that.
+    return _bytesNotTaken() < notTakenBefore;
 }
 
 int FrameSender::_bytesNotTaken() const {

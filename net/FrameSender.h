@@ -14,6 +14,7 @@ inline constexpr std::chrono::seconds STALL_LIMIT{30};
 ///
 /// Keeps the connection open from construction to destruction with a descriptor of its own: when
 /// the client leaves meanwhile, its number may be given to a new client, who must not get the rest.
+/// (Without a descriptor to spare it uses the client's own, and takes that risk.)
 class FrameSender {
 public:
     /// Whether more of the frame is to come at once: the kernel then waits with a small segment.
@@ -29,13 +30,15 @@ public:
 
     /// Sends all of `bytes`, the frame or its next part; blocks as long as the client goes on
     /// taking bytes. A client that stalls is shut down, so that its reader thread ends the
-    /// connection. Response thread only. \return 0 or the errno value of what ended it, ETIMEDOUT
-    /// for a client that stalled.
+    /// connection. Response thread only.
+    /// \return 0 or the errno value of what ended it, ETIMEDOUT for a client that stalled.
     [[nodiscard]] int send(std::span<const std::uint8_t> bytes, Rest rest = Rest::NONE);
 
 private:
-    /// Waits until the client has taken something. False when it took nothing for the stall limit.
-    [[nodiscard]] bool _waitForProgress() const;
+    using Clock = std::chrono::steady_clock;
+
+    /// Waits a moment for room in the kernel's buffer. \return whether the client took something.
+    [[nodiscard]] bool _waitForRoom(Clock::time_point deadline) const;
 
     [[nodiscard]] int _bytesNotTaken() const;
 

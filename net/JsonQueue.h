@@ -25,7 +25,7 @@ public:
     ~JsonQueue() = default;
 
     /// Appends `value`, or drops it without a word when the queue is full: that the caller cannot
-    /// tell is intended, a client that floods the service loses requests, not the service memory.
+    /// tell is intended, a client that floods the service loses requests instead of filling the service's memory.
     /// Producers that push at the same moment may pass the capacity by one element each.
     void push(std::shared_ptr<Element> value) {
         if (!_isNotFull()) {

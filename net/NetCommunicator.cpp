@@ -212,7 +212,7 @@ void NetCommunicator::_sendNextReply() {
     const std::shared_ptr<Packet> packet = _packetStorage->pop(RESPONSE_QUEUE);
     logLine(std::cout, "responseThread", ": msg to send = ", packet->_data);
     const int socket = packet->_socket;
-    if (socket == 0) {
+    if (socket == NO_SOCKET) {
         return;
     }
     const int error = sendReply(socket, packet->_data);

@@ -61,7 +61,7 @@ private:
     int _serverSocket = -1;
     std::atomic<bool> _isStopped{false};
     std::shared_ptr<std::thread> _serverThread;
-    std::shared_ptr<JsonRetriever> _jsonRetriever;
+    std::shared_ptr<JsonRetriever> _jsonRetriever;  ///< held so that it outlives its users
     std::shared_ptr<PacketStorage> _packetStorage;
     std::shared_ptr<PacketsHandler> _packetsHandler;  ///< held so that the worker exists
     std::shared_ptr<std::thread> _responseThread;

@@ -5,6 +5,9 @@
 
 namespace reticled {
 
+/// Stands for no connection: a reply to it is dropped.
+inline constexpr int NO_SOCKET = 0;
+
 /// One JSON text on its way through the service: a client's request, then the reply to it.
 /// Always handled through std::shared_ptr.
 struct Packet {

@@ -5,7 +5,7 @@
 #include <numeric>
 #include <stdexcept>
 
-#include "processing/ActionNames.h"
+#include "processing/ActionNames.h"  // intended: this unit's copy of the table is read by nobody
 #include "processing/JsonText.h"
 #include "service/Log.h"
 
@@ -100,7 +100,7 @@ ReticleRecord toRecord(Json::Value& entry) {
     return {index.isNull() ? -1 : index.asInt(), std::move(name), std::move(data)};
 }
 
-/// Receivers take a zero for any sync byte but the last; clients rely on it.
+/// Intended: a zero is taken for any sync byte but the last.
 bool isSync(const std::uint8_t* header) {
     constexpr int last = FRAME_SYNC_SIZE - 1;
     for (int i = 0; i < last; ++i) {

@@ -23,11 +23,11 @@ struct ReticleRecord {
     std::string data;  ///< the reticle's content, passed on byte for byte
 };
 
-/// The one place where JSON texts are taken apart, client frames are read and built, and the
-/// vocabulary's texts are looked up.
+/// Takes typed values out of the JSON texts of clients and of the RTOS, reads and builds client
+/// frames, and looks up the vocabulary's texts.
 ///
-/// Stateless: every getter parses its text afresh. isJson, getPacketLength and buildNetPacket may
-/// be called from any thread; the others belong to the worker, as a lookup may add to the tables.
+/// Stateless: every getter parses its text afresh. isJson and the three frame operations may be called
+/// from any thread; the others belong to the worker, as a lookup may add to the tables.
 class JsonRetriever : public SingleInstance<JsonRetriever> {
 public:
     /// Whether `text` is JSON; comments are allowed. What the parser throws is written to std::cerr
@@ -45,10 +45,11 @@ public:
     [[nodiscard]] static std::string getStrVal(const std::string& text, const JsonKey& key);
 
     /// The value under `key` of the last entry of the array or object `text` that has a convertible
-    /// one; an entry without the member counts as 0 for int. Never throws for bad content: it
-    /// writes a message to std::cerr for each entry that it cannot use, and for a text that it
-    /// cannot. \tparam T int or std::string. \return -1 (no result code of the RTOS) or "" when no
-    /// entry had a value.
+    /// one; an entry without the member, or one that is null, counts as 0 for int. Never throws for
+    /// bad content: it writes a message to std::cerr for each entry that it cannot use, and for a text
+    /// that it cannot; an empty text gets none.
+    /// \tparam T int or std::string.
+    /// \return -1 (no result code of the RTOS) or "" when no entry had a value.
     template <class T>
     [[nodiscard]] static T getVal(const std::string& text, const JsonKey& key);
 

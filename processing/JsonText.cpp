@@ -11,7 +11,7 @@ namespace reticled {
 
 bool parseJson(std::string_view text, Comments comments, Json::Value& root) {
     // One for each thread, since making one costs more than parsing a short text.
-    // The library prefers its newer reader, but that one refuses texts that clients send today.
+    // The library prefers its newer reader, but that one refuses texts that this one takes.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
     thread_local Json::Reader reader;

@@ -6,12 +6,6 @@
 #include "service/Log.h"
 
 namespace reticled {
-namespace {
-
-constexpr int NO_SOCKET = 0;
-
-}  // namespace
-
 PacketsHandler::PacketsHandler()
     : _packetStorage(PacketStorage::getInstance()),
       _handlerDirector(JsonHandlerDirector::getInstance()),
@@ -45,7 +39,7 @@ void PacketsHandler::_handleNextPacket() {
     const std::shared_ptr<JsonHandler> handler = _handlerDirector->getHandler(packet->_data);
     // Intended: an action that nobody handles gives an empty pointer, and the call through it ends
     // the process at once: the library's assertions, on in every build, check operator* (not ->).
-    // Supervisors restart the service.
+    // Restarting the service is up to its supervisor.
     std::string reply = (*handler).handleJsReq(packet->_data);
     packet->_data.swap(reply);
     _packetStorage->push(RESPONSE_QUEUE, packet);

@@ -26,8 +26,6 @@ public:
     ~PacketsHandler();
 
 private:
-    friend struct PacketsHandlerTestPeer;
-
     /// The worker's body: takes a request, has its handler make the reply, queues the reply in the
     /// same packet. The one place that turns a failed request into its log line and no reply.
     void _handlerRoutine();

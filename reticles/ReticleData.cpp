@@ -41,7 +41,7 @@ std::string JsonNetBuilder::_applyUserColor(const std::string& text, const std::
         // The same bytes as below, without what the expression costs on every byte of the text.
         return replacePlaceholders(text, replacement);
     }
-    // Intended: "$&" and its like in a colour are expanded, as devices in the field have them.
+    // Intended: "$&" and its like in a colour are expanded.
     return std::regex_replace(text, std::regex(std::string(PLACEHOLDER)), replacement);
 }
 

@@ -13,7 +13,7 @@ namespace reticled {
 namespace {
 
 /// Takes the reticle entries out of a parsed list file. The last entry of the root that is an
-/// object decides, also when it has none: intended, RTOS list files are written for this rule.
+/// object decides, also when it has none, which is intended.
 Json::Value findReticleEntries(Json::Value& root) {
     Json::Value entries;
     for (Json::Value& candidate : root) {
@@ -37,8 +37,7 @@ std::string JsonNetBuilder::_getReticlesList(const std::string& answer) {
     for (Json::Value& entry : root) {
         try {
             listName = entry[JsonRetriever::keyName(PARAM)].asCString();
-        } catch (
-            ...) {  // NOLINT(bugprone-empty-catch): names no file, so an earlier entry's name holds
+        } catch (...) {  // NOLINT(bugprone-empty-catch): names no file, so an earlier name holds
         }
     }
     return StorageFile(FLASH_ROOT + listName).readAll();

@@ -25,6 +25,9 @@ StorageFile::~StorageFile() {
 }
 
 std::string StorageFile::readAll() const {
+    if (_descriptor < 0) {
+        return {};
+    }
     const std::size_t announced = _announcedSize();
     std::string text(announced > 0 ? announced : GROWTH_BYTES, '\0');
     std::size_t size = 0;

@@ -16,9 +16,9 @@ public:
     StorageFile& operator=(const StorageFile&) = delete;
     ~StorageFile();
 
-    /// The whole content, byte for byte; "" for a file that is missing, unreadable or a directory.
-    /// Nothing is locked: a file that is being rewritten yields whatever bytes are read. Call it
-    /// once.
+    /// The content, byte for byte, up to the size that the file has now; "" for a file that is
+    /// missing, unreadable or a directory. Nothing is locked: a file that is being rewritten yields
+    /// whatever bytes are read. Call it once.
     [[nodiscard]] std::string readAll() const;
 
 private:

@@ -97,7 +97,7 @@ void LocalCommunicator::_receive() {
         close();
         throw std::runtime_error("Unexpected received FIN of local tcp connection,socket closed");
     }
-    // A zero byte ends the answer early: the RTOS writes its texts as C strings.
+    // A zero byte within the answer ends it early.
     _buffer.at(static_cast<std::size_t>(received)) = '\0';
     _recvJson = _buffer.data();
 }

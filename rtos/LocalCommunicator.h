@@ -56,6 +56,7 @@ private:
     void _receive();
 
     int _socket;
+    /// Held so that it outlives its users.
     std::shared_ptr<JsonRetriever> _jsonRetriever = JsonRetriever::getInstance();
     // One byte more than the RTOS may send: a full answer is terminated too.
     std::array<char, RTOS_BUFFER_SIZE + 1> _buffer{};

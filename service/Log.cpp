@@ -14,6 +14,7 @@ std::mutex& logMutex() {
 
 void logText(std::ostream& stream, const char* text) {
     const std::lock_guard lock(logMutex());
+    stream.clear();
     stream << text << std::flush;
 }
 

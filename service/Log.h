@@ -12,6 +12,8 @@ namespace reticled {
 template <class... Pieces>
 void logLine(std::ostream& stream, const Pieces&... pieces) {
     const std::lock_guard lock(logMutex());
+    stream
+        .clear();  // a line that could not be written, to a full disk say, must not silence the rest
     (stream << ... << pieces)
         << std::endl;  // NOLINT(performance-avoid-endl): supervisors read along
 }

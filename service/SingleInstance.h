@@ -18,8 +18,7 @@ public:
 
     /// Returns a new owner of the one instance, making it if this is the first request. Any thread.
     /// \throws std::system_error from std::call_once, and whatever the component's constructor
-    /// throws;
-    ///         the next request then tries again.
+    ///         throws; the next request then tries again.
     [[nodiscard]] static std::shared_ptr<Component> getInstance() {
         std::call_once(_once, [] { _instance = std::make_shared<Component>(); });
         return _instance;

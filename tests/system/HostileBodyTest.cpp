@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
 
 #include "tests/support/FrameClient.h"
@@ -15,21 +14,19 @@ using exchanges::FULL_REPLY;
 using exchanges::GET_ALL;
 using exchanges::LIST_REQUEST;
 
-/// Valid requests made to cost time. Parsers that keep comments need seconds for the smaller and
-/// half an hour for the larger one.
+/// Valid requests made to cost time. A service that keeps comments needs more than every wait's
+/// bound for the smaller and half an hour for the larger one.
 class HostileBodyTest : public DaemonTest {
 protected:
     void expectNotHeldUp(const std::string& hostileBody) {
         FrameClient hostile;
         FrameClient other;
-        const auto start = std::chrono::steady_clock::now();
         hostile.sendFrame(hostileBody);
         EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
         other.sendFrame(GET_ALL);
         EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
         EXPECT_EQ(hostile.readReply(), FULL_REPLY);
         EXPECT_EQ(other.readReply(), FULL_REPLY);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8));
     }
 
     static std::string withComments(std::size_t bytes) {

@@ -5,11 +5,16 @@
 #include <chrono>
 #include <filesystem>
 
+#include "tests/support/Patience.h"
+#include "tests/support/Ports.h"
 #include "tests/support/Sockets.h"
 #include "tests/support/Text.h"
 #include "tests/system/Daemon.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundService.h"
+#include "tests/system/Process.h"
+#include "tests/system/ProcessInfo.h"
+#include "tests/system/Programs.h"
 #include "tests/system/SystemTest.h"
 
 namespace {
@@ -45,6 +50,17 @@ TEST_F(StartUpTest, DaemonIsDetachedFromTheTerminal) {
     // No session leader: it can never get a terminal again.
     EXPECT_NE(getsid(service.pid()), service.pid());
     EXPECT_EQ(service.info().status("PPid"), std::to_string(getpid()));
+}
+
+// Or the first socket would be standard output, and the log would go to the RTOS.
+TEST_F(StartUpTest, ForegroundServiceStartedWithoutStandardStreamsKeepsTheirNumbersFree) {
+    const Process service(
+        {"sh", "-c", std::string("exec ") + programs::RETICLED_FOREGROUND + " <&- >&- 2>&-"});
+    ASSERT_TRUE(eventually([] { return isListening(CLIENT_PORT); }));
+    EXPECT_EQ(
+        withoutSocketNumbers(ProcessInfo(service.pid()).descriptors()),
+        (Descriptors{
+            {0, "/dev/null"}, {1, "/dev/null"}, {2, "/dev/null"}, {3, "socket"}, {4, "socket"}}));
 }
 
 TEST_F(StartUpTest, DaemonHoldsNoDescriptorButNullAndItsTwoSockets) {

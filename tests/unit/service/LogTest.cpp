@@ -28,6 +28,15 @@ TEST(LogTest, TextBringsItsOwnNewline) {
     EXPECT_EQ(output.out(), "");
 }
 
+TEST(LogTest, LineThatCouldNotBeWrittenDoesNotSilenceLaterOnes) {
+    std::ostringstream stream;
+    stream.setstate(std::ios::badbit);
+    logLine(stream, "line");
+    stream.setstate(std::ios::badbit);
+    logText(stream, "text\n");
+    EXPECT_EQ(stream.str(), "line\ntext\n");
+}
+
 TEST(LogTest, SystemErrorIsWrittenTwice) {
     const OutputCapture output;
     logSystemError(ENOENT);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -305,12 +306,14 @@ TEST_F(NetCommunicatorTest, ReplyThatThereIsNoMemoryForIsLostAndTheNextGoesOut) 
 
 TEST_F(NetCommunicatorTest, SocketListensAsTheServiceNeedsIt) {
     EXPECT_TRUE(isListening(CLIENT_PORT));
-    const auto option = [this](int name) {
+    const auto option = [this](int name, int level = SOL_SOCKET) {
         int value = 0;
         socklen_t size = sizeof value;
-        EXPECT_EQ(getsockopt(Peer::serverSocket(net), SOL_SOCKET, name, &value, &size), 0);
+        EXPECT_EQ(getsockopt(Peer::serverSocket(net), level, name, &value, &size), 0);
         return value;
     };
+    // Connections inherit it: small replies must not wait for the client's acknowledgements.
+    EXPECT_EQ(option(TCP_NODELAY, IPPROTO_TCP), 1);
     EXPECT_EQ(option(SO_REUSEPORT), 1);
     EXPECT_EQ(option(SO_ACCEPTCONN), 1);
     // The kernel grants at most its own limit, and doubles it.
