@@ -121,6 +121,11 @@ void Sandbox::run(const std::function<int()>& body) const {
     std::_Exit(statusOf(child));
 }
 
+void Sandbox::renewNetwork() {
+    require(unshare(CLONE_NEWNET), "unshare (network namespace)");
+    bringLoopbackUp();
+}
+
 int Sandbox::_runInside(const std::function<int()>& body) const {
     try {
         require(prctl(PR_SET_PDEATHSIG, SIGKILL), "end with the parent");
