@@ -106,7 +106,7 @@ int statusOf(pid_t child) {
 Sandbox::Sandbox(std::vector<std::string> keptDirectories)
     : _keptDirectories(std::move(keptDirectories)) {}
 
-int Sandbox::run(const std::function<int()>& body) const {
+void Sandbox::run(const std::function<int()>& body) const {
     unshareNamespaces();
     // What is buffered now would otherwise be written by both processes.
     std::cout.flush();
@@ -116,7 +116,9 @@ int Sandbox::run(const std::function<int()>& body) const {
     if (child == 0) {
         std::exit(_runInside(body));
     }
-    return statusOf(child);
+    // Without exit handlers: a process whose sandbox is gone can fork no more, as the leak check at
+    // the end of a sanitized program would do.
+    std::_Exit(statusOf(child));
 }
 
 int Sandbox::_runInside(const std::function<int()>& body) const {

