@@ -90,7 +90,7 @@ TEST(JsonTextTest, NothingOfAParseIsLeftForTheNext) {
         static_cast<void>(verdictOf(before, Comments::COLLECT));
         const Verdict verdict = verdictOf("[1]", Comments::COLLECT);
         EXPECT_EQ(verdict, expected);
-        EXPECT_EQ(writeJson(verdict.value), "[ 1 ]");
+        EXPECT_EQ(writeJson(verdict.value), "[\n\t1\n]");
     }
 }
 
