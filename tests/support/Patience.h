@@ -5,7 +5,7 @@
 
 /// How long a test waits for what must come. Only a failing test waits this long; sanitized
 /// programs on a busy machine are slow, so it is generous.
-inline constexpr std::chrono::seconds PATIENCE{20};
+inline constexpr std::chrono::seconds PATIENCE{60};
 
 /// Asks `holds` again and again until it is true.
 ///
