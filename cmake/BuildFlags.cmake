@@ -1,6 +1,7 @@
 # Flags that every target shares: warnings, assertions, hardening, sanitizers.
 option(WARNINGS_AS_ERRORS "Stop at the first compiler warning" OFF)
 option(HARDENING "Fortified libc calls, stack protector, PIE, read-only relocations" OFF)
+option(COVERAGE "Count the lines and branches that run, for gcovr" OFF)
 set(SANITIZERS "" CACHE STRING "Value for -fsanitize=, empty for none")
 
 add_compile_options(
@@ -26,9 +27,15 @@ if(HARDENING)
     add_link_options(-Wl,-z,relro -Wl,-z,now)
 endif()
 
+if(COVERAGE)
+    # Counters that threads share and processes add up; see scripts/coverage.
+    add_compile_options(--coverage -fprofile-update=atomic)
+    add_link_options(--coverage)
+endif()
+
 if(SANITIZERS)
-    # -O1: sanitized tests run in acceptable time; frame pointers: reports with whole stacks.
-    add_compile_options(-fsanitize=${SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    # -O1: sanitized programs run in acceptable time; frame pointers and lines: reports with whole stacks.
+    add_compile_options(-fsanitize=${SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g1)
     add_link_options(-fsanitize=${SANITIZERS})
     if(SANITIZERS MATCHES "undefined")
         # This check opens a pipe, and takes every object for a wild one where tests leave no descriptor.
@@ -43,3 +50,8 @@ if(SANITIZERS)
         add_compile_options(-Wno-tsan)
     endif()
 endif()
+
+# Sources whose names in unnamed namespaces clash with their neighbours' where several are compiled as one.
+function(compile_alone)
+    set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()

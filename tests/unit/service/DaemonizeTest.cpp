@@ -78,7 +78,7 @@ public:
               prepare();
               daemonize();
               writeFacts();
-              _exit(EXIT_SUCCESS);
+              endAtOnce(EXIT_SUCCESS);
           }) {
         EXPECT_EQ(starter.waitForEnd(), EXIT_SUCCESS);
         EXPECT_TRUE(eventually([] { return fs::exists(FACTS); }));

@@ -35,6 +35,10 @@ private:
     ChildProcess _child;
 };
 
+/// Ends this process without exit handlers, as a fork that may not run its parent's does. What a
+/// coverage build has counted in it is kept.
+[[noreturn]] void endAtOnce(int status);
+
 /// Makes the kernel refuse the system call `number` with `error` for the rest of this process's
 /// life. Call it in a process of its own.
 /// \param onlyThirdArgument refuse only calls with this third argument.
