@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -77,9 +78,14 @@ public:
         _writer = FileDescriptor(descriptor, "open " + _path);
     }
 
+    // Returns when the service has taken the bytes and goes on reading.
     void write(std::string_view text) const {
         EXPECT_EQ(::write(_writer.get(), text.data(), text.size()),
                   static_cast<ssize_t>(text.size()));
+        EXPECT_TRUE(eventually([this] {
+            int waiting = -1;
+            return ioctl(_writer.get(), FIONREAD, &waiting) == 0 && waiting == 0;
+        }));
     }
 
     void end() { _writer.close(); }
