@@ -10,6 +10,9 @@ add_compile_options(
     -Wformat=2 -Wunused -Wextra-semi)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-Wduplicated-cond -Wduplicated-branches -Wlogical-op)
+elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # Who holds which lock, from the annotations of net/CheckedMutex.h; "beta" adds the order of locks.
+    add_compile_options(-Wthread-safety -Wthread-safety-beta)
 endif()
 if(WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)

@@ -3,8 +3,9 @@
 #include <atomic>
 #include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <utility>
+
+#include "net/CheckedMutex.h"
 
 namespace reticled {
 
@@ -33,7 +34,7 @@ public:
         }
         auto dummy = std::make_unique<Node>();
         {
-            const std::lock_guard tailLock(_tailMutex);
+            const CheckedMutex::Lock tailLock(_tailMutex);
             _tail->data = std::move(value);
             _tail->next = std::move(dummy);
             _tail = _tail->next.get();
@@ -41,7 +42,7 @@ public:
         }
         // A consumer that found the queue empty still holds _headMutex until it waits. Passing
         // through the mutex puts the notification after that, so that it is never missed.
-        { const std::lock_guard headLock(_headMutex); }
+        { const CheckedMutex::Lock headLock(_headMutex); }
         _dataCond.notify_one();
     }
 
@@ -53,7 +54,7 @@ public:
 
     /// True when nothing is queued.
     [[nodiscard]] bool empty() {
-        const std::lock_guard headLock(_headMutex);
+        const CheckedMutex::Lock headLock(_headMutex);
         return _head.get() == _getTail();
     }
 
@@ -66,8 +67,10 @@ private:
     };
 
     [[nodiscard]] std::unique_ptr<Node> _waitAndDetach() {
-        std::unique_lock headLock(_headMutex);
-        _dataCond.wait(headLock, [this] { return _head.get() != _getTail(); });
+        CheckedMutex::Lock headLock(_headMutex);
+        while (_head.get() == _getTail()) {
+            headLock.wait(_dataCond);
+        }
         std::unique_ptr<Node> oldest = std::move(_head);
         _head = std::move(oldest->next);
         --_size;
@@ -75,23 +78,23 @@ private:
     }
 
     [[nodiscard]] bool _isNotFull() {
-        const std::lock_guard headLock(_headMutex);
-        const std::lock_guard tailLock(_tailMutex);
+        const CheckedMutex::Lock headLock(_headMutex);
+        const CheckedMutex::Lock tailLock(_tailMutex);
         return _size < _maxSize;
     }
 
-    [[nodiscard]] Node* _getTail() {
-        const std::lock_guard tailLock(_tailMutex);
+    [[nodiscard]] Node* _getTail() RETICLED_EXCLUDES(_tailMutex) {
+        const CheckedMutex::Lock tailLock(_tailMutex);
         return _tail;
     }
 
     const int _maxSize;
+    CheckedMutex _headMutex;                                      ///< consumers
+    CheckedMutex _tailMutex RETICLED_ACQUIRED_AFTER(_headMutex);  ///< producers
     // The queue is empty exactly when _head is the dummy node that _tail points at.
-    std::unique_ptr<Node> _head;  ///< owns the chain; guarded by _headMutex
-    Node* _tail;                  ///< the dummy node at the end; guarded by _tailMutex
-    std::atomic<int> _size{0};    ///< counted up under _tailMutex and down under _headMutex
-    std::mutex _headMutex;        ///< consumers; taken before _tailMutex when both are
-    std::mutex _tailMutex;        ///< producers
+    std::unique_ptr<Node> _head RETICLED_GUARDED_BY(_headMutex);  ///< owns the chain
+    Node* _tail RETICLED_GUARDED_BY(_tailMutex);                  ///< the dummy node at the end
+    std::atomic<int> _size{0};  ///< counted up under _tailMutex and down under _headMutex
     std::condition_variable _dataCond;
 };
 

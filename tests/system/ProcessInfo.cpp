@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +19,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // Positions in /proc/PID/stat, counted from the field after the program's name.
+constexpr std::size_t STATE_FIELD = 0;
 constexpr std::size_t TERMINAL_FIELD = 4;
 constexpr std::size_t USER_TIME_FIELD = 11;
 constexpr std::size_t SYSTEM_TIME_FIELD = 12;
@@ -92,6 +94,16 @@ rlim_t ProcessInfo::setSoftLimit(int resource, rlim_t limit) const {
         throw std::system_error(errno, std::generic_category(), "set limit");
     }
     return limits.rlim_cur;
+}
+
+bool ProcessInfo::_allThreadsAre(char state) const {
+    const fs::directory_iterator threads(_path("task"));
+    return std::all_of(
+        fs::begin(threads), fs::end(threads), [=](const fs::directory_entry& thread) {
+            const std::vector<std::string> fields = statFields(thread.path() / "stat");
+            // A thread may end while we look.
+            return fields.empty() || fields.at(STATE_FIELD).front() == state;
+        });
 }
 
 std::string ProcessInfo::_path(const std::string& name) const {

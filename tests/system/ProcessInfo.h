@@ -25,11 +25,17 @@ public:
     /// The controlling terminal's device number; 0 for none.
     [[nodiscard]] int terminal() const;
 
+    /// Whether every thread waits in a system call for something to happen.
+    [[nodiscard]] bool isAsleep() const { return _allThreadsAre('S'); }
+    /// Whether a stop signal has reached every thread.
+    [[nodiscard]] bool isStopped() const { return _allThreadsAre('T'); }
+
     /// Sets the soft limit of a resource (RLIMIT_NOFILE, ...) of the running process and leaves the
     /// hard one. \return the soft limit that was in force.
     rlim_t setSoftLimit(int resource, rlim_t limit) const;
 
 private:
+    [[nodiscard]] bool _allThreadsAre(char state) const;
     [[nodiscard]] std::string _path(const std::string& name) const;
 
     pid_t _pid;

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 
 #include "tests/support/Patience.h"
 #include "tests/support/Ports.h"
@@ -129,6 +130,24 @@ TEST_F(StartUpTest, ForegroundServiceSaysWhyItEndsWhenThePortIsTaken) {
         "_handlerRoutine, exception: getStrVal: json msg is empty\n";
     const std::string errors = service.errors();
     EXPECT_TRUE(errors == WHY || errors == std::string(WHY) + std::string(WORKER_ENDS)) << errors;
+}
+
+// The port is shared by those who ask for it, and both do: a mistake that nothing reports.
+TEST_F(StartUpTest, SecondServiceOfTheSameUserSharesThePort) {
+    ScriptedRtos rtos;
+    std::optional<ForegroundService> first;
+    first.emplace();
+    first->waitUntilListening();
+    ForegroundService second;
+    constexpr std::size_t WITH_BOTH_SOCKETS = 5;
+    EXPECT_TRUE(
+        eventually([&] { return second.info().descriptors().size() == WITH_BOTH_SOCKETS; }));
+    EXPECT_TRUE(eventually([&] { return second.info().isAsleep(); }));
+    EXPECT_TRUE(first->isAlive());
+    first.reset();
+    FrameClient client;
+    exchanges::expectServed(client, rtos);
+    EXPECT_EQ(second.errors(), "json value: 6\n");
 }
 
 TEST_F(StartUpTest, HighDescriptorLimitCostsNoTime) {

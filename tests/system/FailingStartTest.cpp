@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+#include "tests/support/Ports.h"
+#include "tests/system/ForegroundService.h"
+#include "tests/system/SystemTest.h"
+
+namespace {
+
+constexpr auto GIVES_UP = "Exception is caught in main \n";
+
+/// What the service lacks while it starts.
+class FailingStartTest : public SystemTest {
+protected:
+    // Expects that the service ends with these error lines first.
+    static void expectEnd(const std::vector<std::string>& command, const std::string& why) {
+        ForegroundService service(command);
+        EXPECT_EQ(service.waitForEnd(), 0);
+        EXPECT_TRUE(service.errors().starts_with(why + GIVES_UP)) << service.errors();
+        EXPECT_FALSE(isListening(CLIENT_PORT));
+    }
+
+    static std::vector<std::string> whereCallFails(const std::string& call, int error) {
+        const std::string fault =
+            "enable name=posix/io/net/" + call + ",failinfo=" + std::to_string(error);
+        return {"fiu-run", "-x", "-c", fault, "-f", "", programs::RETICLED_FOREGROUND};
+    }
+};
+
+TEST_F(FailingStartTest, WithoutASocket) {
+    // The RTOS link's socket, its option, the listening socket's option.
+    expectEnd(whereCallFails("socket", EMFILE),
+              "Too many open files: Too many open files\n"
+              "Bad file descriptor: Bad file descriptor\n"
+              "Bad file descriptor: Bad file descriptor\n");
+}
+
+TEST_F(FailingStartTest, WithoutTheRightToThePort) {
+    expectEnd(whereCallFails("bind", EACCES), "Permission denied: Permission denied\n");
+}
+
+TEST_F(FailingStartTest, WhenSomebodyElseListensFirst) {
+    expectEnd(whereCallFails("listen", EADDRINUSE),
+              "Address already in use: Address already in use\n");
+}
+
+// A limit of stacks is the size of every thread's stack: more than there are addresses.
+TEST_F(FailingStartTest, WithoutAThread) {
+    constexpr auto NO_ROOM_BYTES = "200000000000000";
+    expectEnd(
+        {"prlimit", std::string("--stack=") + NO_ROOM_BYTES + ":", programs::RETICLED_FOREGROUND},
+        "");
+}
+
+}  // namespace
