@@ -1,4 +1,5 @@
 // Input: how the rest is cut into pieces (one byte), then all that the service sends to the device.
+#include <algorithm>
 #include <iostream>
 #include <optional>
 #include <random>
@@ -15,12 +16,14 @@
 namespace {
 
 constexpr std::size_t MAX_RETICLES = 4;
+/// More of them in one input only cost time.
+constexpr std::size_t MAX_REQUESTS = 16;
 
 std::vector<std::string> split(std::string_view stream, std::uint8_t seed) {
     std::minstd_rand random(seed + 1U);
     sim::RequestSplitter splitter;
     std::vector<std::string> requests;
-    while (!stream.empty()) {
+    while (!stream.empty() && requests.size() < MAX_REQUESTS) {
         const std::size_t size = 1 + random() % stream.size();
         splitter.feed(stream.substr(0, size));
         stream.remove_prefix(size);
@@ -41,8 +44,8 @@ void answerAll(const std::vector<std::string>& requests) {
         {{0, "Dot", "user-0", "red", true, false}, {1, "Ring", "user-1", "", false, true}});
     sim::Device device(storage, MAX_RETICLES);
     sim::FaultyDevice exchanges(device, storage, {}, std::cerr, true);
-    for (const std::string& request : requests) {
-        const sim::Delivery delivery = exchanges.exchange(request);
+    for (std::size_t i = 0; i < std::min(requests.size(), MAX_REQUESTS); ++i) {
+        const sim::Delivery delivery = exchanges.exchange(requests[i]);
         require(delivery.bytes.size() <= sim::MAX_ANSWER_BYTES, "an answer fits");
     }
     require(device.reticles().size() <= MAX_RETICLES, "the device holds what it can");
