@@ -3,6 +3,7 @@
 #include <string>
 
 #include "tests/support/FrameClient.h"
+#include "tests/support/HostileTexts.h"
 #include "tests/support/Text.h"
 #include "tests/system/DaemonTest.h"
 #include "tests/system/Exchanges.h"
@@ -42,6 +43,22 @@ TEST_F(HostileBodyTest, CommentsOf240KilobytesHoldUpNobody) {
 
 TEST_F(HostileBodyTest, CommentsOf4MegabytesHoldUpNobody) {
     expectNotHeldUp(withComments(4000000));
+}
+
+/// Bodies of the largest size that is not refused unseen: none ends the service, none holds it up for
+/// good.
+TEST_F(HostileBodyTest, LargestBodyOfEachKindIsAnsweredOrRefused) {
+    constexpr std::size_t LARGEST_BODY_BYTES = 4194303;
+    for (const HostileText& hostile : hostileTexts(LARGEST_BODY_BYTES)) {
+        SCOPED_TRACE(hostile.kind);
+        FrameClient client;
+        client.sendFrame(hostile.text);
+        if (hostile.isRequest) {
+            EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
+            EXPECT_EQ(client.readReply(), FULL_REPLY);
+        }
+        exchanges::expectServed(client, rtos);
+    }
 }
 
 TEST_F(HostileBodyTest, ManyMembersHoldUpNobody) {

@@ -94,7 +94,9 @@ TEST(UserColorTest, OtherDollarEscapesAreExpandedToo) {
     EXPECT_EQ(colored("<\"user_color\">", "$`"), "<\"<\">");
     EXPECT_EQ(colored("<\"user_color\">", "$'"), "<\">\">");
     EXPECT_EQ(colored("<\"user_color\">", "$0"), "<\"\"user_color\"\">");
+    EXPECT_EQ(colored("<\"user_color\">", "$000"), "<\"\"user_color\"0\">");
     EXPECT_EQ(colored("<\"user_color\">", "$1"), "<\"\">");
+    EXPECT_EQ(colored("<\"user_color\">", "$012"), "<\"2\">");
     EXPECT_EQ(colored("<\"user_color\">", "$x"), "<\"$x\">");
     EXPECT_EQ(colored("<\"user_color\">", "$"), "<\"$\">");
 }
@@ -150,7 +152,8 @@ TEST(UserColorTest, GivesTheSameBytesAsTheLibrarysExpression) {
                                                "\"user_color\"",
                                                std::string(1, '\0')};
     std::vector<std::string> colors = plainColors;
-    colors.insert(colors.end(), {"$", "$", "$&", "$$", "$0", "$1", "$12", "$`", "$'"});
+    colors.insert(colors.end(),
+                  {"$", "$", "$&", "$$", "$0", "$00", "$1", "$12", "$`", "$'", "0", "9"});
     constexpr int ROUNDS = 3000;
     Pieces pieces;
     for (int i = 0; i < ROUNDS; ++i) {
