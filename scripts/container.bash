@@ -52,7 +52,7 @@ leave_control_group() {
     local tries
     [ -z "${inner-}" ] || kill -KILL "$inner" 2>/dev/null || true
     for tries in $(seq 100); do
-        find "$control_group" -depth -type d -exec rmdir {} + 2>/dev/null
+        find "$control_group" -depth -type d -exec rmdir {} + 2>/dev/null || true
         [ -d "$control_group" ] || return 0
         sleep 0.1
     done
@@ -74,9 +74,9 @@ enter_private_world() {
             hold_control_group
             trap leave_control_group EXIT
             trap 'exit 130' INT TERM HUP
-            # The last process of the group takes the whole process namespace along.
+            # Whoever is killed takes the next one along, and with it the whole process namespace.
             CONTAINER_STEP=processes bash -c 'echo $$ >"$1/cgroup.procs" && shift && exec "$@"' bash \
-                "$control_group" unshare --pid --fork --kill-child=KILL --mount --mount-proc \
+                "$control_group" setpriv --pdeathsig KILL unshare --pid --fork --kill-child=KILL --mount --mount-proc \
                 "$script" "$@" &
             inner=$!
             wait "$inner" || status=$?
