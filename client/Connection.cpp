@@ -31,10 +31,16 @@ std::string inSeconds(std::chrono::milliseconds time) {
 }
 
 /// \returns false when the deadline has passed, even for a peer that always has something to say.
+/// \throws Cancelled.
 bool isReady(int socket, short events, const Deadline& deadline) {
     while (const int leftMs = deadline.leftMs()) {
-        pollfd entry{socket, events, 0};
-        const int count = ::poll(&entry, 1, leftMs);
+        // poll passes over a negative descriptor.
+        std::array<pollfd, 2> entries{
+            {{socket, events, 0}, {deadline.cancelDescriptor(), POLLIN, 0}}};
+        const int count = ::poll(entries.data(), entries.size(), leftMs);
+        if (count > 0 && entries[1].revents != 0) {
+            throw Cancelled("cancelled");
+        }
         if (count > 0 || (count < 0 && errno != EINTR)) {
             return true;
         }
@@ -95,11 +101,16 @@ Connection::Connection(const std::string& host, std::uint16_t port, const Deadli
     : _peer(host + ":" + std::to_string(port)),
       _socket(connectToAny(host, port, _peer, deadline)) {}
 
-void Connection::send(std::string_view bytes, const Deadline& deadline) {
+void Connection::send(std::string_view bytes, const Deadline& deadline,
+                      const SentListener& listener) {
+    const std::size_t total = bytes.size();
     while (!bytes.empty()) {
         const ssize_t sent = ::send(_socket.descriptor(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (sent >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(sent));
+            if (listener) {
+                listener(total - bytes.size());
+            }
         } else if (errno == EAGAIN) {
             _waitFor(POLLOUT, deadline);
         } else if (errno != EINTR) {

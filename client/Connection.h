@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -10,7 +11,7 @@
 
 namespace reticle {
 
-/// A TCP connection whose every wait ends at a deadline. One thread at a time.
+/// A TCP connection whose every wait ends at a deadline, or with Cancelled. One thread at a time.
 class Connection {
 public:
     /// Connects to the first address of `host` that answers. The look-up of a host name has
@@ -18,9 +19,12 @@ public:
     /// CannotConnect.
     Connection(const std::string& host, std::uint16_t port, const Deadline& deadline);
 
-    /// Sends all of `bytes`.
+    /// Hears how many bytes of a text have been taken so far.
+    using SentListener = std::function<void(std::size_t sentBytes)>;
+
+    /// Sends all of `bytes`. \param listener told after each piece, when there is one.
     /// \throws NoReply when the peer does not take them in time, or is gone.
-    void send(std::string_view bytes, const Deadline& deadline);
+    void send(std::string_view bytes, const Deadline& deadline, const SentListener& listener = {});
 
     /// Waits for bytes and appends what has come, at most `atMost`, to `text`.
     /// \returns how many there were, 0 when the peer has closed or reset the connection.

@@ -9,10 +9,14 @@ namespace reticle {
 /// The moment at which a call gives up, however many waits it is made of.
 class Deadline {
 public:
-    explicit Deadline(std::chrono::milliseconds timeout)
-        : _timeout(timeout), _end(Clock::now() + timeout) {}
+    /// \param cancelDescriptor the call also gives up when this descriptor is readable; negative for
+    /// none.
+    explicit Deadline(std::chrono::milliseconds timeout, int cancelDescriptor = -1)
+        : _timeout(timeout), _end(Clock::now() + timeout), _cancelDescriptor(cancelDescriptor) {}
 
     [[nodiscard]] std::chrono::milliseconds timeout() const { return _timeout; }
+
+    [[nodiscard]] int cancelDescriptor() const { return _cancelDescriptor; }
 
     /// What is left as poll(2) takes it, in milliseconds, rounded up: 0 only when the moment has
     /// passed.
@@ -27,6 +31,7 @@ private:
 
     std::chrono::milliseconds _timeout;
     Clock::time_point _end;
+    int _cancelDescriptor;
 };
 
 }  // namespace reticle

@@ -30,6 +30,12 @@ public:
     using ClientError::ClientError;
 };
 
+/// The caller stopped the call (see ReticleClient). What was under way may still be carried out.
+class Cancelled final : public ClientError {
+public:
+    using ClientError::ClientError;
+};
+
 /// Something came that is not a reply of the service.
 class MalformedReply final : public ClientError {
 public:

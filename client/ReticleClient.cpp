@@ -10,15 +10,21 @@
 namespace reticle {
 
 ReticleClient::ReticleClient(std::string host, std::uint16_t port,
-                             std::chrono::milliseconds timeout)
+                             std::chrono::milliseconds timeout, int cancelDescriptor)
     : _host(std::move(host)),
       _port(port),
       _timeout(timeout),
-      _connection(std::make_unique<Connection>(_host, _port, Deadline(_timeout))) {}
+      _cancelDescriptor(cancelDescriptor),
+      _connection(
+          std::make_unique<Connection>(_host, _port, Deadline(_timeout, _cancelDescriptor))) {}
 
 ReticleClient::ReticleClient(ReticleClient&&) noexcept = default;
 ReticleClient& ReticleClient::operator=(ReticleClient&&) noexcept = default;
 ReticleClient::~ReticleClient() = default;
+
+void ReticleClient::setUploadListener(UploadListener listener) {
+    _uploadListener = std::move(listener);
+}
 
 Reply ReticleClient::list() {
     return _exchange(listRequest());
@@ -55,11 +61,16 @@ Reply ReticleClient::_exchange(const std::string& request) {
 }
 
 Reply ReticleClient::_sendAndReceive(const std::string& request) {
-    const Deadline deadline(_timeout);
+    const Deadline deadline(_timeout, _cancelDescriptor);
     if (!_connection) {
         _connection = std::make_unique<Connection>(_host, _port, deadline);
     }
-    _connection->send(encodeFrame(request), deadline);
+    const std::string frame = encodeFrame(request);
+    Connection::SentListener listener;
+    if (_uploadListener) {
+        listener = [this, &frame](std::size_t sent) { _uploadListener(sent, frame.size()); };
+    }
+    _connection->send(frame, deadline, listener);
     return Reply::parse(receiveFrame(*_connection, deadline));
 }
 

@@ -1,7 +1,6 @@
 #include "tools/reticlectl/CommandLine.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 
 #include <CLI/CLI.hpp>
@@ -11,6 +10,8 @@
 #include "tools/reticlectl/Commands.h"
 #include "tools/reticlectl/DisplayText.h"
 #include "tools/reticlectl/Failure.h"
+#include "tools/reticlectl/JsonLine.h"
+#include "tools/reticlectl/SecondsOption.h"
 #include "tools/reticlectl/Session.h"
 
 namespace reticlectl {
@@ -21,18 +22,6 @@ constexpr const char* FOOTER =
     "The options of reticlectl --help may also stand behind a command.\n"
     "Exit status: 0 done, 1 refused by the device, 2 usage, 3 cannot connect,\n"
     "4 no reply in time, 5 malformed reply.";
-
-/// \returns what is wrong with `text`, nothing when it is a time-out.
-std::string checkTimeout(const std::string& text) {
-    constexpr double SHORTEST_S = 0.001;
-    constexpr double LONGEST_S = 86400;
-    double seconds = 0;
-    const char* end = std::from_chars(text.data(), text.data() + text.size(), seconds).ptr;
-    // Written so that "nan" is refused, too.
-    const bool isTimeout =
-        end == text.data() + text.size() && seconds >= SHORTEST_S && seconds <= LONGEST_S;
-    return isTimeout ? "" : "\"" + text + "\" is not a number of seconds from 0.001 to 86400";
-}
 
 void addSharedOptions(CLI::App& app, Session& session) {
     constexpr int LAST_PORT = 65535;
@@ -46,12 +35,16 @@ void addSharedOptions(CLI::App& app, Session& session) {
     app.add_option("--timeout", session.timeoutSeconds,
                    "How long to wait for the reply, fractions allowed")
         ->type_name("SECONDS")
-        ->check(&checkTimeout)
+        ->check(&checkSeconds)
         ->capture_default_str();
-    app.add_flag("--json", session.wantsJson, "Print the JSON of the reply");
+    app.add_option("--color", session.color, "Whether tables show colours")
+        ->type_name("WHEN")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->capture_default_str();
+    app.add_flag("--json", session.wantsJson, "Print JSON: the reply, or what went wrong");
 }
 
-void addCommands(CLI::App& app, const Session& session) {
+void addCommands(CLI::App& app, const Session& session, ExitStatus& status) {
     app.require_subcommand(1);
     // Shared options may stand behind the command, too.
     app.fallthrough();
@@ -61,6 +54,7 @@ void addCommands(CLI::App& app, const Session& session) {
     addUpdateCommand(app, session);
     addDeleteCommand(app, session);
     addShowCommand(app, session);
+    addPingCommand(app, session, status);
 }
 
 void unshieldOptions(CLI::App& app) {
@@ -80,16 +74,25 @@ std::vector<std::string> forParsing(const std::vector<std::string>& arguments) {
     return shielded;
 }
 
-ExitStatus report(const std::string& problem, ExitStatus status, const Session& session) {
-    session.err << "reticlectl: " << printable(problem) << '\n';
+ExitStatus reportLine(const std::string& problem, ExitStatus status, const Session& session) {
+    session.err << "reticlectl: " << problem << '\n';
     return status;
 }
 
+ExitStatus report(const std::string& problem, ExitStatus status, const Session& session) {
+    const std::string shown = printable(problem);
+    if (session.wantsJson) {
+        session.out << errorJson(status, shown) << '\n';
+    }
+    return reportLine(shown, status, session);
+}
+
+/// The reply itself says that it is a refusal.
 ExitStatus reportRefusal(const reticle::Refused& refusal, const Session& session) {
     if (session.wantsJson) {
         session.print(refusal.reply());
     }
-    return report(refusal.what(), ExitStatus::REFUSED, session);
+    return reportLine(printable(refusal.what()), ExitStatus::REFUSED, session);
 }
 
 std::string describe(const CLI::App& app, const CLI::ParseError& error) {
@@ -109,18 +112,18 @@ ExitStatus endParsing(const CLI::App& app, const CLI::ParseError& end, const Ses
     return report(describe(app, end) + ": see reticlectl --help", ExitStatus::USAGE, session);
 }
 
-ExitStatus finish(const Session& session) {
+ExitStatus finish(ExitStatus status, const Session& session) {
     if (session.out.flush()) {
-        return ExitStatus::DONE;
+        return status;
     }
     return report("cannot write the output: check where it goes", ExitStatus::USAGE, session);
 }
 
 ExitStatus parseAndRun(CLI::App& app, const std::vector<std::string>& arguments,
-                       const Session& session) {
+                       const ExitStatus& status, const Session& session) {
     try {
         app.parse(forParsing(arguments));
-        return finish(session);
+        return finish(status, session);
     } catch (const CLI::ParseError& end) {
         return endParsing(app, end, session);
     } catch (const Failure& failure) {
@@ -141,15 +144,18 @@ ExitStatus parseAndRun(CLI::App& app, const std::vector<std::string>& arguments,
 }  // namespace
 
 ExitStatus run(const std::vector<std::string>& arguments, std::istream& in, std::ostream& out,
-               std::ostream& err) {
-    Session session{in, out, err};
+               std::ostream& err, const Terminal& terminal) {
+    Session session{in, out, err, terminal};
+    // Known before the parsing, which may fail.
+    session.wantsJson = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    ExitStatus status = ExitStatus::DONE;
     CLI::App app("Shows and changes the reticles of a sighting device.", "reticlectl");
     app.set_version_flag("--version", "reticlectl " RETICLED_VERSION);
     app.footer(FOOTER);
     addSharedOptions(app, session);
-    addCommands(app, session);
+    addCommands(app, session, status);
     unshieldOptions(app);
-    return parseAndRun(app, arguments, session);
+    return parseAndRun(app, arguments, status, session);
 }
 
 }  // namespace reticlectl

@@ -2,6 +2,7 @@
 
 #include <CLI/App.hpp>
 
+#include "tools/reticlectl/ExitStatus.h"
 #include "tools/reticlectl/Session.h"
 
 namespace reticlectl {
@@ -14,5 +15,8 @@ void addAddCommand(CLI::App& app, const Session& session);
 void addUpdateCommand(CLI::App& app, const Session& session);
 void addDeleteCommand(CLI::App& app, const Session& session);
 void addShowCommand(CLI::App& app, const Session& session);
+
+/// The same; the command's own verdict goes to `status`, which must outlive `app`, too.
+void addPingCommand(CLI::App& app, const Session& session, ExitStatus& status);
 
 }  // namespace reticlectl

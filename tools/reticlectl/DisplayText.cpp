@@ -1,5 +1,7 @@
 #include "tools/reticlectl/DisplayText.h"
 
+#include <utf8proc.h>
+
 #include <algorithm>
 #include <array>
 #include <iomanip>
@@ -27,39 +29,13 @@ constexpr auto STEERING = std::to_array<Range>({{0x00, 0x1F},
                                                 {0x2028, 0x202E},
                                                 {0x2066, 0x2069}});
 
-// Combining marks, zero-width spaces and joiners, variation selectors.
-constexpr auto WITHOUT_WIDTH = std::to_array<Range>({{0x0300, 0x036F},
-                                                     {0x0483, 0x0489},
-                                                     {0x0591, 0x05BD},
-                                                     {0x064B, 0x065F},
-                                                     {0x0E34, 0x0E3A},
-                                                     {0x1AB0, 0x1AFF},
-                                                     {0x1DC0, 0x1DFF},
-                                                     {0x200B, 0x200D},
-                                                     {0x20D0, 0x20FF},
-                                                     {0xFE00, 0xFE0F},
-                                                     {0xFE20, 0xFE2F},
-                                                     {0xFEFF, 0xFEFF}});
-
-// Hangul, kana, CJK, full-width forms, emoji.
-constexpr auto WIDE = std::to_array<Range>({{0x1100, 0x115F},
-                                            {0x2E80, 0x303E},
-                                            {0x3041, 0xA4CF},
-                                            {0xA960, 0xA97C},
-                                            {0xAC00, 0xD7A3},
-                                            {0xF900, 0xFAFF},
-                                            {0xFE30, 0xFE6F},
-                                            {0xFF00, 0xFF60},
-                                            {0xFFE0, 0xFFE6},
-                                            {0x1F300, 0x1F64F},
-                                            {0x1F680, 0x1F6FF},
-                                            {0x1F900, 0x1FAFF},
-                                            {0x20000, 0x3FFFD}});
-
-template <class Ranges>
-bool isIn(const Ranges& ranges, char32_t value) {
-    return std::any_of(ranges.begin(), ranges.end(),
+bool canSteer(char32_t value) {
+    return std::any_of(STEERING.begin(), STEERING.end(),
                        [value](const Range& range) { return range.contains(value); });
+}
+
+std::size_t columnsOf(char32_t value) {
+    return static_cast<std::size_t>(utf8proc_charwidth(static_cast<utf8proc_int32_t>(value)));
 }
 
 std::string hexEscape(const char* prefix, char32_t value, int digits) {
@@ -93,7 +69,7 @@ std::string printable(std::string_view text) {
         const std::size_t bytes = codePoint ? codePoint->bytes : 1;
         if (!codePoint) {
             shown += escaped(static_cast<unsigned char>(text.front()));
-        } else if (isIn(STEERING, codePoint->value)) {
+        } else if (canSteer(codePoint->value)) {
             shown += escaped(codePoint->value);
         } else {
             shown += text.substr(0, bytes);
@@ -106,11 +82,30 @@ std::string printable(std::string_view text) {
 std::size_t displayWidth(std::string_view text) {
     std::size_t width = 0;
     while (const auto codePoint = reticle::firstCodePoint(text)) {
-        const std::size_t columns = isIn(WIDE, codePoint->value) ? 2 : 1;
-        width += isIn(WITHOUT_WIDTH, codePoint->value) ? 0 : columns;
+        width += columnsOf(codePoint->value);
         text.remove_prefix(codePoint->bytes);
     }
     return width;
+}
+
+std::string shortened(std::string_view text, std::size_t columns) {
+    constexpr std::string_view ELLIPSIS = "\xE2\x80\xA6";
+    if (displayWidth(text) <= columns) {
+        return std::string(text);
+    }
+    if (columns == 0) {
+        return "";
+    }
+    std::size_t width = 1;
+    std::size_t bytes = 0;
+    while (const auto codePoint = reticle::firstCodePoint(text.substr(bytes))) {
+        width += columnsOf(codePoint->value);
+        if (width > columns) {
+            break;
+        }
+        bytes += codePoint->bytes;
+    }
+    return std::string(text.substr(0, bytes)).append(ELLIPSIS);
 }
 
 }  // namespace reticlectl

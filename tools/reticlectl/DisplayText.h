@@ -15,4 +15,9 @@ namespace reticlectl {
 /// none. \param text printable, UTF-8.
 [[nodiscard]] std::size_t displayWidth(std::string_view text);
 
+/// `text` in at most `columns` columns: where it is longer, its begin and an ellipsis. A combining
+/// character stays with the one that it belongs to.
+/// \param text printable, UTF-8.
+[[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
+
 }  // namespace reticlectl

@@ -312,6 +312,80 @@ TEST_F(CommandLine, OutputThatCannotBeWrittenIsReported) {
     expectOneErrorLine({status, "", err.str()}, ExitStatus::USAGE, "cannot write the output");
 }
 
+TEST_F(CommandLine, AFailureAsJsonIsOneDocument) {
+    const auto port = std::to_string(reticle::test::unusedPort());
+    EXPECT_EQ(runProgram({"--json", "list", "--port", port}).out,
+              R"({"error":{"exitStatus":3,"kind":"CANNOT_CONNECT","message":)"
+              R"("cannot connect to 127.0.0.1:)" +
+                  port +
+                  R"(: Connection refused: check that the reticle service runs there, and the )"
+                  "host and port\"}}\n");
+    const Exchange missing = exchange({"show", "5", "--json"});
+    EXPECT_TRUE(missing.outcome.out.starts_with(
+        R"({"error":{"exitStatus":1,"kind":"REFUSED","message":"the device lists no)"));
+    const Outcome unknown = runProgram({"--json", "lst"});
+    expectOneErrorLine(unknown, ExitStatus::USAGE, "lst");
+    EXPECT_EQ(unknown.out, R"({"error":{"exitStatus":2,"kind":"USAGE","message":)"
+                           R"("unknown command or option lst: see reticlectl --help"}})"
+                           "\n");
+}
+
+TEST_F(CommandLine, ColoursAreAutoAlwaysOrNever) {
+    const auto isColored = [](const Exchange& run) {
+        return run.outcome.out.find('\x1B') != std::string::npos;
+    };
+    EXPECT_FALSE(isColored(exchange({"list"})));
+    EXPECT_TRUE(isColored(exchange({"list", "--color", "always"})));
+    EXPECT_FALSE(isColored(exchange({"list", "--color=never"})));
+    EXPECT_FALSE(isColored(exchange({"list", "--color", "always", "--json"})));
+    expectUsageError({"list", "--color", "sometimes"}, "--color");
+}
+
+TEST_F(CommandLine, PingSendsNothingButTheListRequest) {
+    const Exchange run = exchange({"ping"});
+    EXPECT_EQ(run.request, LIST_REQUEST);
+    EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
+    EXPECT_EQ(run.outcome.err, "");
+}
+
+TEST_F(CommandLine, PingTakesARefusalForAnAnswer) {
+    const Exchange run = exchange({"ping"}, R"({"result":"UNKNOWN_ACTION"})");
+    EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
+    EXPECT_NE(run.outcome.out.find("27 bytes from 127.0.0.1:"), std::string::npos)
+        << run.outcome.out;
+}
+
+TEST_F(CommandLine, PingTellsAForeignServer) {
+    const Exchange run = exchange({"ping"}, "oops");
+    expectOneErrorLine(run.outcome, ExitStatus::MALFORMED_REPLY, "seq=1: the reply is not one");
+    EXPECT_NE(run.outcome.out.find("1 requests transmitted, 0 received, 100% loss"),
+              std::string::npos);
+}
+
+TEST_F(CommandLine, PingConnectsAnewAfterALoss) {
+    int connections = 0;
+    {
+        const FakeService service([&connections](FakePeer& peer) {
+            peer.receiveRequest();
+            peer.send(++connections == 1 ? "" : framed(ONE_RETICLE));
+        });
+        const Outcome ping = runProgram({"--port", std::to_string(service.port()), "ping",
+                                         "--count", "2", "--interval", "0.001"});
+        expectOneErrorLine(ping, ExitStatus::DONE, "seq=1: ");
+    }
+    EXPECT_EQ(connections, 2);
+}
+
+TEST_F(CommandLine, AWatchWhoseOutputCannotBeWrittenEnds) {
+    const FakeService service(answering(framed(ONE_RETICLE)));
+    std::istringstream in;
+    std::ofstream full("/dev/full");
+    std::ostringstream err;
+    const ExitStatus status =
+        run({"list", "--watch", "0.001", "--port", std::to_string(service.port())}, in, full, err);
+    expectOneErrorLine({status, "", err.str()}, ExitStatus::USAGE, "cannot write the output");
+}
+
 TEST_F(CommandLine, HelpAndVersionAreDone) {
     const Outcome help = runProgram({"--help"});
     EXPECT_EQ(help.status, ExitStatus::DONE);

@@ -44,6 +44,28 @@ TEST(DisplayWidth, CountsColumnsInsteadOfBytes) {
     EXPECT_EQ(displayWidth("\xE5\x8D\x81\xE5\xAD\x97"), 4U);
     EXPECT_EQ(displayWidth("\xF0\x9F\x8E\xAF"), 2U);
     EXPECT_EQ(displayWidth("e\xCC\x81"), 1U);
+    // What joins and varies emoji shows nothing itself.
+    EXPECT_EQ(displayWidth("\xE2\x80\x8D\xEF\xB8\x8F"), 0U);
+    // A half-width and a full-width letter.
+    EXPECT_EQ(displayWidth("\xEF\xBD\xB6\xEF\xBC\xA1"), 3U);
+}
+
+TEST(Shortened, LeavesWhatFits) {
+    EXPECT_EQ(shortened("Duplex", 6), "Duplex");
+    EXPECT_EQ(shortened("", 0), "");
+    EXPECT_EQ(shortened("\xE5\x8D\x81\xE5\xAD\x97", 4), "\xE5\x8D\x81\xE5\xAD\x97");
+}
+
+TEST(Shortened, EndsInAnEllipsis) {
+    EXPECT_EQ(shortened("Duplex", 5), "Dupl\xE2\x80\xA6");
+    EXPECT_EQ(shortened("Duplex", 1), "\xE2\x80\xA6");
+    EXPECT_EQ(shortened("Duplex", 0), "");
+}
+
+TEST(Shortened, NeverCutsACharacter) {
+    // Room for one and a half of the wide ones; then for the letter with its accent.
+    EXPECT_EQ(shortened("\xE5\x8D\x81\xE5\xAD\x97\xE5\x8D\x81", 4), "\xE5\x8D\x81\xE2\x80\xA6");
+    EXPECT_EQ(shortened("e\xCC\x81ta", 2), "e\xCC\x81\xE2\x80\xA6");
 }
 
 }  // namespace

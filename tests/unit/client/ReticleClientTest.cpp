@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sys/eventfd.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <filesystem>
@@ -63,6 +65,36 @@ TEST(ReticleClient, ReturnsTheReply) {
     EXPECT_EQ(reply.json, ONE_RETICLE);
     ASSERT_EQ(reply.reticles.size(), 1U);
     EXPECT_EQ(reply.reticles[0].name, "Dot");
+}
+
+TEST(ReticleClient, TellsHowMuchOfARequestIsSent) {
+    constexpr std::size_t DATA_BYTES = 3'000'000;
+    const FakeService service(answering(framed(EMPTY_LIST)));
+    ReticleClient client(HOST, service.port(), 30s);
+    std::vector<std::size_t> sent;
+    std::size_t total = 0;
+    client.setUploadListener([&](std::size_t sentBytes, std::size_t totalBytes) {
+        sent.push_back(sentBytes);
+        total = totalBytes;
+    });
+    client.add({{"Big", std::string(DATA_BYTES, 'x')}});
+    EXPECT_GT(total, DATA_BYTES);
+    ASSERT_GT(sent.size(), 1U);
+    EXPECT_TRUE(std::is_sorted(sent.begin(), sent.end()));
+    EXPECT_EQ(sent.back(), total);
+}
+
+TEST(ReticleClient, ACallThatWaitsCanBeCancelled) {
+    const Socket cancel(::eventfd(0, EFD_CLOEXEC));
+    const FakeService service([&cancel](FakePeer& peer) {
+        peer.receiveRequest();
+        ::eventfd_write(cancel.descriptor(), 1);
+        peer.waitForClose();
+    });
+    ReticleClient client(HOST, service.port(), 3600s, cancel.descriptor());
+    EXPECT_THROW(client.list(), Cancelled);
+    // The dropped connection lets the service go on to the next one, cancelled before it begins.
+    EXPECT_THROW(client.list(), Cancelled);
 }
 
 TEST(ReticleClient, TakesAReplyByteByByte) {

@@ -41,6 +41,40 @@ TEST(ReticleTable, EscapesWhatCouldSteerATerminal) {
               "    1          a\\x1B[2J\\nb  no         \\x1B[0m     18\n");
 }
 
+TEST(ReticleTable, ShowsColoursBeforeTheirNames) {
+    const std::vector<Reticle> reticles = {{0, "Dot", R"(<svg stroke="#0a0b0C"/>)", false, true},
+                                           {1, "Odd", R"(<svg stroke="odd"/>)", false, false}};
+    EXPECT_EQ(renderTable({reticles[1]}, {true, {}}),
+              "\x1B[1mINDEX\x1B[0m  \x1B[1mACTIVE\x1B[0m  \x1B[1mNAME\x1B[0m  "
+              "\x1B[1mDELETABLE\x1B[0m     \x1B[1mCOLOUR\x1B[0m  \x1B[1mBYTES\x1B[0m\n"
+              "    1          Odd   no            odd        19\n");
+    const std::string table = renderTable(reticles, {true, {}});
+    EXPECT_NE(table.find("\x1B[48;2;10;11;12m  \x1B[0m \x1B[1m#0a0b0C\x1B[0m  "), std::string::npos)
+        << table;
+}
+
+TEST(ReticleTable, ShortensColoursAndNamesToTheWidth) {
+    const std::string color(1000, 'c');
+    const std::vector<Reticle> reticles = {
+        {0, "A very long name", "<svg stroke=\"" + color + "\"/>", false, true}};
+    EXPECT_EQ(renderTable(reticles, {false, 58}),
+              "INDEX  ACTIVE  NAME              DELETABLE  COLOUR   BYTES\n"
+              "    0  *       A very long name  no         cccccc\xE2\x80\xA6   1016\n");
+    EXPECT_EQ(renderTable(reticles, {false, 50}),
+              "INDEX  ACTIVE  NAME      DELETABLE  COLOUR   BYTES\n"
+              "    0  *       A very \xE2\x80\xA6  no         cccccc\xE2\x80\xA6   1016\n");
+}
+
+TEST(ReticleTable, LeavesOutWhatHasNoRoom) {
+    const std::vector<Reticle> reticles = {{0, "Dot", R"(<svg stroke="red"/>)", false, true}};
+    EXPECT_EQ(renderTable(reticles, {false, 38}),
+              "INDEX  ACTIVE  NAME  DELETABLE  COLOUR\n"
+              "    0  *       Dot   no         red   \n");
+    EXPECT_EQ(renderTable(reticles, {false, 37}),
+              "INDEX  ACTIVE  NAME  DELETABLE\n"
+              "    0  *       Dot   no       \n");
+}
+
 TEST(ReticleTable, AnEmptyListIsOneClearLine) {
     EXPECT_EQ(
         renderTable({}),

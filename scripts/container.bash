@@ -1,0 +1,135 @@
+# A throw-away machine that boots systemd: sourced by scripts that test the units. What it shows of this machine is
+# read-only; all that is written stays in memory, and all of it ends with the script, however that ends.
+#   enter_private_world NAME "$0" "$@"   goes on as process 1 of private namespaces; ends 77 where that is impossible
+#   make_root                            prepares the container's file system at $container_root
+#   boot                                 starts it and waits until it is up; ends 77 where nspawn cannot work
+#   inside COMMAND...                    runs a command in it
+# shellcheck shell=bash
+
+container_root=/run/container/root
+boot_patience=120
+
+fail() {
+    echo "FAILED: $*" >&2
+    exit 1
+}
+
+not_tested() {
+    echo "NOT TESTED: $world_name: $*" >&2
+    exit 77
+}
+
+# Runs a command until it succeeds, for a bounded time.
+#   eventually SECONDS WHAT COMMAND...
+eventually() {
+    local end=$((SECONDS + $1)) what=$2
+    shift 2
+    until "$@" >/dev/null 2>&1; do
+        [ $SECONDS -lt $end ] || fail "$what: not within the bound"
+        sleep 0.1
+    done
+}
+
+require_tools() {
+    local tool
+    for tool in systemd-nspawn systemd-analyze nsenter unshare pgrep ss; do
+        command -v $tool >/dev/null || not_tested "$tool is missing, scripts/bootstrap installs it"
+    done
+}
+
+# In the first of two nested steps: mounts that nobody else sees, and a control group, which everybody sees.
+hold_control_group() {
+    mount --make-rprivate /
+    if [ "$(stat -f -c %T /sys/fs/cgroup)" != cgroup2fs ]; then
+        umount -R /sys/fs/cgroup 2>/dev/null || true
+        mount -t cgroup2 cgroup2 /sys/fs/cgroup || not_tested "no unified control groups"
+    fi
+    control_group=/sys/fs/cgroup/$world_name.$$
+    mkdir "$control_group" || not_tested "no control group can be made"
+}
+
+leave_control_group() {
+    local tries
+    [ -z "${inner-}" ] || kill -KILL "$inner" 2>/dev/null || true
+    for tries in $(seq 100); do
+        find "$control_group" -depth -type d -exec rmdir {} + 2>/dev/null || true
+        [ -d "$control_group" ] || return 0
+        sleep 0.1
+    done
+    echo "left behind after $tries tries: $control_group" >&2
+}
+
+enter_private_world() {
+    world_name=$1
+    local script=$2 status=0
+    shift 2
+    case "${CONTAINER_STEP-}" in
+        "")
+            [ "$(id -u)" -eq 0 ] || not_tested "needs root"
+            require_tools
+            CONTAINER_STEP=mounts exec unshare --mount "$script" "$@"
+            not_tested "no private namespaces"
+            ;;
+        mounts)
+            hold_control_group
+            trap leave_control_group EXIT
+            trap 'exit 130' INT TERM HUP
+            # Whoever is killed takes the next one along, and with it the whole process namespace.
+            CONTAINER_STEP=processes bash -c 'echo $$ >"$1/cgroup.procs" && shift && exec "$@"' bash \
+                "$control_group" setpriv --pdeathsig KILL unshare --pid --fork --kill-child=KILL --mount --mount-proc \
+                "$script" "$@" &
+            inner=$!
+            wait "$inner" || status=$?
+            exit "$status"
+            ;;
+        processes) unset CONTAINER_STEP ;;
+    esac
+}
+
+make_root() {
+    mount -t tmpfs tmpfs /run
+    mkdir -p "$container_root" /run/container/upper /run/container/work
+    mount -t overlay overlay -o lowerdir=/,upperdir=/run/container/upper,workdir=/run/container/work \
+        "$container_root" || not_tested "no overlay on the root file system"
+    # This machine's own services stay out.
+    rm -rf "$container_root/etc/systemd/system" "$container_root"/etc/systemd/*.conf.d
+    mkdir -p "$container_root/etc/systemd/system" "$container_root/etc/systemd/journald.conf.d"
+    printf '[Journal]\nStorage=volatile\n' >"$container_root/etc/systemd/journald.conf.d/volatile.conf"
+    : >"$container_root/etc/fstab"
+    tr -d - </proc/sys/kernel/random/uuid >"$container_root/etc/machine-id"
+}
+
+# Takes the place of the calling subshell.
+nspawn() {
+    exec systemd-nspawn --quiet --directory="$container_root" --register=no --keep-unit --private-network \
+        --link-journal=no --resolv-conf=off --timezone=off --console=pipe "$@" </dev/null
+}
+
+# Process 1 of the container is a child of nspawn.
+find_leader() {
+    local pid
+    for pid in $(pgrep -P "$nspawn_pid"); do
+        if grep -qE '^NSpid:.*[[:space:]]1$' "/proc/$pid/status"; then
+            leader=$pid
+            return 0
+        fi
+    done
+    return 1
+}
+
+is_up() {
+    kill -0 "$nspawn_pid" 2>/dev/null || fail "the container ended: $(cat /run/container/console)"
+    find_leader && [[ $(inside systemctl is-system-running 2>/dev/null) =~ ^(running|degraded)$ ]]
+}
+
+boot() {
+    (nspawn --as-pid2 /bin/true) >/run/container/console 2>&1 ||
+        not_tested "systemd-nspawn cannot run a command: $(tail -n 3 /run/container/console)"
+    nspawn --boot systemd.unit=multi-user.target >/run/container/console 2>&1 &
+    nspawn_pid=$!
+    eventually $boot_patience "boot of the container" is_up
+}
+
+inside() {
+    nsenter --target "$leader" --mount --uts --ipc --net --pid --cgroup --root --wd "$@"
+}

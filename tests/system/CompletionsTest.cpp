@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/FlashFiles.h"
+#include "tests/support/Text.h"
+#include "tests/system/Process.h"
+#include "tests/system/ProgramHelp.h"
+#include "tests/system/Programs.h"
+#include "tests/system/TerminalProcess.h"
+
+namespace {
+
+using Words = std::set<std::string>;
+
+const Words COLOR_VALUES{"always", "auto", "never"};
+
+std::string completionFile(const std::string& name) {
+    return programs::SOURCE_DIRECTORY + "/tools/reticlectl/completions/" + name;
+}
+
+/// Standard output of a shell, which must find nothing wrong.
+std::string run(const std::vector<std::string>& command) {
+    Process process(command);
+    EXPECT_EQ(process.waitForEnd(), 0);
+    EXPECT_EQ(process.standardError(), "");
+    return process.standardOutput();
+}
+
+/// The first word of each line.
+Words firstWords(const std::string& text) {
+    Words words;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        words.insert(line.substr(0, line.find('\t')));
+    }
+    return words;
+}
+
+/// What bash offers for the last of `words`.
+Words offeredByBash(const std::vector<std::string>& words) {
+    std::vector<std::string> command{
+        "bash", "--norc", "-c",
+        R"(source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); $(complete -p reticlectl | sed 's/.*-F \([^ ]*\).*/\1/'); printf '%s\n' "${COMPREPLY[@]}")",
+        completionFile("reticlectl.bash")};
+    command.insert(command.end(), words.begin(), words.end());
+    Words offered = firstWords(run(command));
+    offered.erase("");
+    return offered;
+}
+
+/// What fish offers behind the end of `line`.
+Words offeredByFish(const std::string& line) {
+    return firstWords(
+        run({"fish", "--no-config", "-c",
+             "source " + completionFile("reticlectl.fish") + "; complete -C '" + line + "'"}));
+}
+
+/// Begins words as a person does, has the shell complete them, and sees what the program would get.
+/// \param setUp a command line that loads the completions.
+void expectItCompletes(TerminalProcess& shell, const std::string& setUp) {
+    // Quoted, so that the command's own echo is not taken for what it prints.
+    shell.type(setUp + "; reticlectl() { echo go''t: \"$@\"; }; echo load''ed\n");
+    ASSERT_TRUE(shell.eventuallyShows("loaded")) << shell.output();
+    shell.type("reticlectl --jso\tpin\t--interv\t\n");
+    EXPECT_TRUE(shell.eventuallyShows("got: --json ping --interval")) << shell.output();
+}
+
+/// The commands and options that a command line may hold.
+class CompletionsTest : public testing::Test {
+protected:
+    CompletionsTest() {
+        setenv("HOME", "/tmp/FL0", 1);
+        EXPECT_GE(program.commands.size(), 7U);
+    }
+
+    [[nodiscard]] Words optionsBehind(const std::string& command) const {
+        Words options = ProgramHelp::of({programs::RETICLECTL, command}).options;
+        options.insert(program.options.begin(), program.options.end());
+        return options;
+    }
+
+    FlashFiles flash;
+    ProgramHelp program = ProgramHelp::of({programs::RETICLECTL});
+};
+
+TEST_F(CompletionsTest, BashOffersTheCommands) {
+    EXPECT_EQ(offeredByBash({"reticlectl", ""}), program.commands);
+    EXPECT_EQ(offeredByBash({"reticlectl", "--timeout", "5", "--json", "pi"}), Words{"ping"});
+    EXPECT_EQ(offeredByBash({"reticlectl", "--timeout", "=", "5", "pi"}), Words{"ping"});
+}
+
+TEST_F(CompletionsTest, BashOffersTheOptions) {
+    EXPECT_EQ(offeredByBash({"reticlectl", "--"}), program.options);
+    for (const std::string& command : program.commands) {
+        EXPECT_EQ(offeredByBash({"reticlectl", command, "--"}), optionsBehind(command)) << command;
+    }
+}
+
+TEST_F(CompletionsTest, BashOffersValues) {
+    EXPECT_EQ(offeredByBash({"reticlectl", "--color", ""}), COLOR_VALUES);
+    EXPECT_EQ(offeredByBash({"reticlectl", "--color", "="}), COLOR_VALUES);
+    EXPECT_EQ(offeredByBash({"reticlectl", "--color", "=", "ne"}), Words{"never"});
+    EXPECT_EQ(offeredByBash({"reticlectl", "--port", ""}), Words{});
+    flash.write("home/ring.svg", "");
+    const std::string part = "/tmp/FL0/home/r";
+    const Words file{"/tmp/FL0/home/ring.svg"};
+    EXPECT_EQ(offeredByBash({"reticlectl", "add", "Ring", part}), file);
+    EXPECT_EQ(offeredByBash({"reticlectl", "add", part}), Words{});
+    EXPECT_EQ(offeredByBash({"reticlectl", "update", "7", "Ring", part}), file);
+    EXPECT_EQ(offeredByBash({"reticlectl", "show", "--output", part}), file);
+}
+
+TEST_F(CompletionsTest, BashItselfUsesTheFile) {
+    TerminalProcess shell({"bash", "--norc", "-i"}, TerminalProcess::WIDE, {{"PS1", "ready> "}});
+    ASSERT_TRUE(shell.eventuallyShows("ready> "));
+    expectItCompletes(shell, "source " + completionFile("reticlectl.bash"));
+}
+
+TEST_F(CompletionsTest, FishOffersTheCommands) {
+    EXPECT_EQ(offeredByFish("reticlectl "), program.commands);
+    EXPECT_EQ(offeredByFish("reticlectl --timeout 5 --json pi"), Words{"ping"});
+}
+
+TEST_F(CompletionsTest, FishOffersTheOptions) {
+    EXPECT_EQ(offeredByFish("reticlectl --"), program.options);
+    for (const std::string& command : program.commands) {
+        EXPECT_EQ(offeredByFish("reticlectl " + command + " --"), optionsBehind(command))
+            << command;
+    }
+}
+
+TEST_F(CompletionsTest, FishOffersValues) {
+    EXPECT_EQ(offeredByFish("reticlectl --color "), COLOR_VALUES);
+    flash.write("home/ring.svg", "");
+    const Words file{"/tmp/FL0/home/ring.svg"};
+    EXPECT_EQ(offeredByFish("reticlectl add Ring /tmp/FL0/home/r"), file);
+    EXPECT_EQ(offeredByFish("reticlectl add /tmp/FL0/home/r"), Words{});
+    EXPECT_EQ(offeredByFish("reticlectl update 7 Ring /tmp/FL0/home/r"), file);
+}
+
+TEST_F(CompletionsTest, ZshNamesTheCommandsAndOptions) {
+    run({"zsh", "-n", completionFile("_reticlectl")});
+    const std::string text = contentOfFile(completionFile("_reticlectl"));
+    Words options = program.options;
+    for (const std::string& command : program.commands) {
+        EXPECT_TRUE(std::regex_search(text, std::regex("\n +'" + command + ":"))) << command;
+        EXPECT_TRUE(std::regex_search(text, std::regex("\n +" + command + "\\)"))) << command;
+        options.merge(optionsBehind(command));
+    }
+    EXPECT_EQ(ProgramHelp::optionsIn(text), options);
+}
+
+TEST_F(CompletionsTest, ZshItselfUsesTheFile) {
+    TerminalProcess shell({"zsh", "-f", "-i"}, TerminalProcess::WIDE, {{"PS1", "ready> "}});
+    ASSERT_TRUE(shell.eventuallyShows("ready> "));
+    expectItCompletes(shell, "fpath=('" + programs::SOURCE_DIRECTORY +
+                                 "/tools/reticlectl/completions' $fpath); "
+                                 "autoload -Uz compinit; compinit -u -D");
+}
+
+}  // namespace

@@ -1,0 +1,87 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <set>
+#include <string>
+
+#include "tests/support/Text.h"
+#include "tests/system/Process.h"
+#include "tests/system/ProgramHelp.h"
+#include "tests/system/Programs.h"
+
+namespace {
+
+/// A built page, its escapes for dashes taken out.
+std::string page(const std::string& name) {
+    return std::regex_replace(contentOfFile(programs::BUILD_DIRECTORY + "/man/" + name),
+                              std::regex(R"(\\-)"), "-");
+}
+
+std::string help(const std::string& program) {
+    Process process({program, "--help"});
+    EXPECT_EQ(process.waitForEnd(), 0);
+    return process.standardOutput();
+}
+
+bool namesInBold(const std::string& text, const std::string& word) {
+    return text.find("\\fB" + word + "\\fR") != std::string::npos;
+}
+
+TEST(ManPagesTest, ReticlectlHasEveryCommandAndOptionAndNoOther) {
+    const std::string text = page("reticlectl.1");
+    const ProgramHelp program = ProgramHelp::of({programs::RETICLECTL});
+    std::set<std::string> options = program.options;
+    EXPECT_GE(program.commands.size(), 7U);
+    for (const std::string& command : program.commands) {
+        EXPECT_TRUE(namesInBold(text, command)) << command;
+        options.merge(ProgramHelp::of({programs::RETICLECTL, command}).options);
+    }
+    EXPECT_EQ(ProgramHelp::optionsIn(text), options);
+}
+
+TEST(ManPagesTest, RtosSimHasEveryOptionAndFaultAndNoOther) {
+    const std::string text = page("rtos-sim.1");
+    EXPECT_EQ(ProgramHelp::optionsIn(text), ProgramHelp::of({programs::RTOS_SIM}).options);
+
+    const std::string described = help(programs::RTOS_SIM);
+    const std::regex fault("\n  ([a-z][a-z-]*)(:[A-Z]+)?\n");
+    std::size_t faults = 0;
+    for (std::sregex_iterator match(described.begin(), described.end(), fault), end; match != end;
+         ++match) {
+        EXPECT_TRUE(namesInBold(text, (*match)[1])) << (*match)[1];
+        ++faults;
+    }
+    EXPECT_GE(faults, 12U);
+}
+
+TEST(ManPagesTest, ReticlectlHasEveryExitStatus) {
+    const std::string text = page("reticlectl.1");
+    const std::string described = help(programs::RETICLECTL);
+    const std::string statuses = described.substr(described.find("Exit status: "));
+    const std::regex status("([0-9]) ");
+    for (std::sregex_iterator match(statuses.begin(), statuses.end(), status), end; match != end;
+         ++match) {
+        EXPECT_TRUE(namesInBold(text, (*match)[1])) << (*match)[1];
+    }
+}
+
+TEST(ManPagesTest, TheServiceHasNoOptions) {
+    for (const char* name : {"reticled.8", "reticled-foreground.8"}) {
+        const std::string text = page(name);
+        EXPECT_NE(text.find("NAME"), std::string::npos) << name;
+        EXPECT_EQ(ProgramHelp::optionsIn(text), std::set<std::string>{}) << name;
+    }
+}
+
+TEST(ManPagesTest, EachNamesTheVersionOfThePrograms) {
+    Process process({programs::RETICLECTL, "--version"});
+    ASSERT_EQ(process.waitForEnd(), 0);
+    const std::string output = process.standardOutput();
+    const std::string version =
+        output.substr(output.find(' ') + 1, output.find('\n') - output.find(' ') - 1);
+    for (const char* name : {"reticlectl.1", "reticled.8", "reticled-foreground.8", "rtos-sim.1"}) {
+        EXPECT_NE(page(name).find("\"reticled " + version + "\""), std::string::npos) << name;
+    }
+}
+
+}  // namespace

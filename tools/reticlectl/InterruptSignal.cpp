@@ -1,0 +1,51 @@
+#include "tools/reticlectl/InterruptSignal.h"
+
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+namespace reticlectl {
+
+namespace {
+
+sigset_t interruptOnly() {
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    ::sigaddset(&signals, SIGINT);
+    return signals;
+}
+
+}  // namespace
+
+InterruptSignal::InterruptSignal() : _previousMask(), _descriptor(-1) {
+    const sigset_t signals = interruptOnly();
+    _descriptor = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
+    if (_descriptor < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot watch for Ctrl-C");
+    }
+    ::pthread_sigmask(SIG_BLOCK, &signals, &_previousMask);
+}
+
+InterruptSignal::~InterruptSignal() {
+    // Taken, so that it does not end the process as soon as it may.
+    signalfd_siginfo taken{};
+    [[maybe_unused]] const ssize_t size = ::read(_descriptor, &taken, sizeof taken);
+    ::close(_descriptor);
+    ::pthread_sigmask(SIG_SETMASK, &_previousMask, nullptr);
+}
+
+bool InterruptSignal::waitFor(std::chrono::nanoseconds time) const {
+    using std::chrono::nanoseconds;
+    using std::chrono::seconds;
+    const nanoseconds left = std::max(time, nanoseconds::zero());
+    const auto wholeSeconds = std::chrono::floor<seconds>(left);
+    const timespec bound{wholeSeconds.count(), (left - wholeSeconds).count()};
+    pollfd entry{_descriptor, POLLIN, 0};
+    return ::ppoll(&entry, 1, &bound, nullptr) > 0;
+}
+
+}  // namespace reticlectl

@@ -1,0 +1,38 @@
+# Completions of reticlectl for fish: put this file into ~/.config/fish/completions/.
+
+# Succeeds as long as there is no command.
+function __reticlectl_awaits_command
+    not __fish_seen_subcommand_from list activate add update delete show ping
+end
+
+# Succeeds where a FILE of `add` belongs: NAME and FILE stand in turn behind the command.
+function __reticlectl_awaits_file
+    set -l words (commandline -opc)
+    set -l at (contains -i -- add $words)
+    and test (math (count $words) - $at) -gt 0
+    and test (math "($(count $words) - $at) % 2") -eq 1
+end
+
+complete -c reticlectl -f
+complete -c reticlectl -s h -l help -d 'Print help'
+complete -c reticlectl -l version -d 'Print the version'
+complete -c reticlectl -l host -x -a '(__fish_print_hostnames)' -d 'Address or name of the device'
+complete -c reticlectl -l port -x -d 'TCP port of the service'
+complete -c reticlectl -l timeout -x -d 'How long to wait for the reply'
+complete -c reticlectl -l color -x -a 'auto always never' -d 'Whether tables show colours'
+complete -c reticlectl -l json -d 'Print JSON'
+
+complete -c reticlectl -n __reticlectl_awaits_command -a list -d 'Show the reticles of the device'
+complete -c reticlectl -n __reticlectl_awaits_command -a activate -d 'Make a reticle the active one'
+complete -c reticlectl -n __reticlectl_awaits_command -a add -d 'Store new reticles'
+complete -c reticlectl -n __reticlectl_awaits_command -a update -d 'Replace a reticle\'s name and data'
+complete -c reticlectl -n __reticlectl_awaits_command -a delete -d 'Delete reticles'
+complete -c reticlectl -n __reticlectl_awaits_command -a show -d 'Print a reticle\'s data'
+complete -c reticlectl -n __reticlectl_awaits_command -a ping -d 'Ask whether the service answers'
+
+complete -c reticlectl -n '__fish_seen_subcommand_from list' -l watch -x -d 'Show them again and again'
+complete -c reticlectl -n '__fish_seen_subcommand_from show' -l output -r -F -d 'Write to this file'
+complete -c reticlectl -n '__fish_seen_subcommand_from ping' -l count -x -d 'How often to ask'
+complete -c reticlectl -n '__fish_seen_subcommand_from ping' -l interval -x -d 'How long from one to the next'
+complete -c reticlectl -n '__fish_seen_subcommand_from update' -F
+complete -c reticlectl -n __reticlectl_awaits_file -F
