@@ -112,7 +112,9 @@ void LoggedCommand::_takeFailure(const std::string& reason) {
 
 std::string LoggedCommand::_request() {
     if (_loggedRequest) {
-        return *std::exchange(_loggedRequest, std::nullopt);
+        std::string request = *std::move(_loggedRequest);
+        _loggedRequest.reset();
+        return request;
     }
     const bool isFirst = _exchanges.empty();
     if (isFirst && _command["action"] == "RETICLE_SET_ACTIVE" &&

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "simulator/Files.h"
 #include "simulator/JsonText.h"

@@ -39,7 +39,7 @@ ReplayDevice::ReplayDevice(Session session, fs::path root)
 }
 
 Delivery ReplayDevice::exchange(const std::string& request) {
-    const Delivery refusal{.bytes = "", .gap = {}, .end = Delivery::End::CLOSE};
+    Delivery refusal{.bytes = "", .gap = {}, .end = Delivery::End::CLOSE};
     if (!_difference.empty()) {
         return refusal;
     }

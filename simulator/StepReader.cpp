@@ -106,7 +106,11 @@ std::optional<std::string> StepReader::_readText() {
             _isLineUnread = true;
             break;
         }
-        text = text ? *std::move(text) + '\n' : "";
+        if (text) {
+            *text += '\n';
+        } else {
+            text.emplace();
+        }
         text->append(std::exchange(emptyLines, 0), '\n').append(_line, INDENTATION.size());
     }
     return text;
