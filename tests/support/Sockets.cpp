@@ -20,8 +20,8 @@ sockaddr_in loopback(std::uint16_t port) {
     return address;
 }
 
-FileDescriptor newSocket() {
-    return {socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket"};
+FileDescriptor newSocket(int flags = 0) {
+    return {socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | flags, 0), "socket"};
 }
 
 void require(int result, const std::string& purpose, std::uint16_t port) {
@@ -54,5 +54,15 @@ FileDescriptor sockets::connectTo(std::uint16_t port, int receiveBufferBytes) {
     const sockaddr_in address = loopback(port);
     require(connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
             "connect to", port);
+    return socket;
+}
+
+FileDescriptor sockets::startConnectingTo(std::uint16_t port) {
+    FileDescriptor socket = newSocket(SOCK_NONBLOCK);
+    const sockaddr_in address = loopback(port);
+    if (connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) < 0 &&
+        errno != EINPROGRESS) {
+        throw std::system_error(errno, std::generic_category(), "start to connect");
+    }
     return socket;
 }

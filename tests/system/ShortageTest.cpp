@@ -2,82 +2,40 @@
 #include <sys/resource.h>
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <vector>
 
 #include "tests/support/FrameClient.h"
 #include "tests/support/ScriptedRtos.h"
 #include "tests/support/Text.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundService.h"
-#include "tests/system/Process.h"
+#include "tests/system/OrdinaryUser.h"
 #include "tests/system/SystemTest.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 using exchanges::expectServed;
 
 using ShortageTest = SystemTest;
 
-constexpr unsigned ORDINARY_USER = 58934;
 constexpr unsigned ENOUGH_THREADS = 1000;
-
-// The process limit does not bind the machine's root. In a user namespace of one user there is
-// nobody else to be, and that user is not the machine's root.
-bool canBeOrdinaryUser() {
-    std::ifstream map("/proc/self/uid_map");
-    unsigned inside = 0;
-    unsigned outside = 0;
-    unsigned count = 0;
-    map >> inside >> outside >> count;
-    return count > ORDINARY_USER;
-}
-
-std::vector<std::string> asOrdinaryUser(const std::vector<std::string>& command) {
-    if (!canBeOrdinaryUser()) {
-        return command;
-    }
-    const std::string user = std::to_string(ORDINARY_USER);
-    std::vector<std::string> whole{"setpriv", "--reuid=" + user, "--regid=" + user,
-                                   "--clear-groups"};
-    whole.insert(whole.end(), command.begin(), command.end());
-    return whole;
-}
-
-// The build directory may be closed to other users.
-std::string programForEveryone() {
-    const std::string program = "/tmp/reticled-foreground";
-    fs::copy_file(programs::RETICLED_FOREGROUND, program, fs::copy_options::overwrite_existing);
-    return program;
-}
-
-// Sets the soft limit of a process by that process's own user: nobody else need be able to.
-void limitThreads(pid_t pid, const std::string& limit) {
-    Process prlimit(
-        asOrdinaryUser({"prlimit", "--pid", std::to_string(pid), "--nproc=" + limit + ":"}));
-    ASSERT_EQ(prlimit.waitForEnd(), 0) << prlimit.standardError();
-}
+constexpr OrdinaryUser USER{58934};
 
 TEST_F(ShortageTest, ClientForWhomThereIsNoThreadLosesItsConnectionOnly) {
     ScriptedRtos rtos;
-    ForegroundService service(asOrdinaryUser({programForEveryone()}));
+    ForegroundService service(USER.command({OrdinaryUser::foregroundProgram()}));
     service.waitUntilListening();
     FrameClient before;
     expectServed(before, rtos);
     const std::string errorsBefore = service.errors();
 
-    limitThreads(service.pid(), "1");
+    USER.limitThreads(service.pid(), 1);
     FrameClient refused;
     EXPECT_TRUE(refused.connection().seesEnd());
     EXPECT_EQ(service.errors(),
               errorsBefore + "_serverRoutine, exception: Resource temporarily unavailable\n");
     expectServed(before, rtos);
 
-    limitThreads(service.pid(), std::to_string(ENOUGH_THREADS));
+    USER.limitThreads(service.pid(), ENOUGH_THREADS);
     FrameClient after;
     expectServed(after, rtos);
 }
