@@ -35,8 +35,7 @@ std::string withNumber(const std::string& pattern, int number) {
     return pattern.substr(0, place) + std::to_string(number) + pattern.substr(place + 1);
 }
 
-/// The places that requests may take while they wait. A std::counting_semaphore would do, if the
-/// library of gcc 12 did not lose wake-ups.
+/// The places that requests may take while they wait.
 class Room {
 public:
     void enter() {
