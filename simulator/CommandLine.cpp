@@ -15,10 +15,41 @@ constexpr std::size_t MAX_RETICLES_LIMIT = 100'000;
 constexpr const char* DESCRIPTION =
     "Simulates the real-time side of a sighting device: listens on 127.0.0.1 and keeps\n"
     "reticles under a root directory that it shares with the service.\n"
-    "Prints one line on standard output when it listens; Ctrl-C (SIGINT) or SIGTERM ends it.";
+    "Prints one line on standard output when it listens; Ctrl-C (SIGINT) or SIGTERM ends it.\n"
+    "Plays a recorded device as well: see --replay, --record and --from-log.";
+
+constexpr const char* SESSIONS_HELP =
+    "Sessions are text files that tell what went between a service and a device. --record\n"
+    "writes one while simulating. --from-log makes one from a log of reticled-foreground, both\n"
+    "streams of it, taken on a real device; it listens nowhere. --replay is a device that knows\n"
+    "nothing but its session: the requests must be those of the session, in its order. At the\n"
+    "first that differs it names the difference and ends with status 3, and so it does when it\n"
+    "is ended before all have come; it writes the session's files into the root, which should be\n"
+    "empty at first.\n";
+
+/// Adds the options that take a session or make one, which exclude what would have no effect.
+void addSessionOptions(CLI::App& app, Options& options) {
+    app.add_option("--record", options.recordFile, "Write a session while simulating")
+        ->type_name("FILE");
+    app.add_option("--replay", options.replayFile, "Play the device of a session")
+        ->type_name("FILE")
+        ->excludes("--record")
+        ->excludes("--reset")
+        ->excludes("--max-reticles")
+        ->excludes("--fault");
+    CLI::Option* const fromLog =
+        app.add_option("--from-log", options.fromLogFile, "Print the session of a service's log")
+            ->type_name("FILE");
+    for (const char* other : {"--record", "--replay", "--root", "--port", "--max-reticles",
+                              "--reset", "--verbose", "--fault"}) {
+        fromLog->excludes(other);
+    }
+}
 
 std::string footer() {
-    return "Faults, as KIND[:ARG][@N]: on exchange N of the run, counted from 1 over all\n"
+    return std::string(SESSIONS_HELP) +
+           "\n"
+           "Faults, as KIND[:ARG][@N]: on exchange N of the run, counted from 1 over all\n"
            "connections and kinds of request; without @N on every one. \"refuse\" keeps the\n"
            "request from being carried out, all others spoil the answer to one that was.\n"
            "Faults on the same exchange add up; of two that contradict each other the one\n"
@@ -61,6 +92,7 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     app.add_option("--fault", faults, "What goes wrong, see below; repeatable")
         ->type_name("KIND[:ARG][@N]")
         ->allow_extra_args(false);
+    addSessionOptions(app, options);
     try {
         app.parse(argc, argv);
         options.faults = parseFaults(faults);

@@ -18,6 +18,9 @@ struct Options {
     bool isReset = false;
     bool isVerbose = false;
     std::vector<Fault> faults;
+    std::filesystem::path recordFile;   ///< session to write while simulating; empty for none
+    std::filesystem::path replayFile;   ///< session to play instead of simulating; empty for none
+    std::filesystem::path fromLogFile;  ///< log to turn into a session; empty for none
 };
 
 /// Reads the command line. For --help, --version and mistakes it prints what there is to say (help

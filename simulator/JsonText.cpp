@@ -37,6 +37,19 @@ Json::Value parseJson(const std::string& text) {
     throw std::runtime_error(errors);
 }
 
+std::optional<Json::Value> parseLeniently(const std::string& text) {
+    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    Json::Value value;
+    try {
+        if (reader->parse(text.data(), text.data() + text.size(), &value, nullptr)) {
+            return value;
+        }
+    } catch (const Json::Exception&) {
+        // Nested too deeply: the service makes nothing of it either.
+    }
+    return std::nullopt;
+}
+
 std::string compactJson(const Json::Value& value) {
     return write(value, "");
 }

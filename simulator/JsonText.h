@@ -2,6 +2,7 @@
 
 #include <json/value.h>
 
+#include <optional>
 #include <string>
 
 namespace sim {
@@ -9,6 +10,10 @@ namespace sim {
 /// Parses one array or object, strictly: no comments, no key twice, nothing before or after it.
 /// \throws std::runtime_error that says on one line what is wrong with it.
 [[nodiscard]] Json::Value parseJson(const std::string& text);
+
+/// Parses as the service does: comments are kept, and what follows the text is not looked at.
+/// \return none for what is no JSON
+[[nodiscard]] std::optional<Json::Value> parseLeniently(const std::string& text);
 
 /// `value` on one line, without blanks; bytes that are not ASCII stay as they are.
 [[nodiscard]] std::string compactJson(const Json::Value& value);

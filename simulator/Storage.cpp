@@ -1,10 +1,10 @@
 #include "simulator/Storage.h"
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
+
+#include "simulator/Files.h"
 
 namespace fs = std::filesystem;
 
@@ -15,11 +15,6 @@ namespace {
 constexpr std::string_view DEVICE_ROOT = "a:/";
 constexpr std::string_view FACTORY_PREFIX = "factory-";
 constexpr std::string_view USER_PREFIX = "user-";
-constexpr const char* ASIDE_SUFFIX = ".aside";
-
-fs::path aside(fs::path path) {
-    return path += ASIDE_SUFFIX;
-}
 
 bool isNamed(const ReticleList& list, const std::string& fileName) {
     return std::any_of(list.begin(), list.end(), [&fileName](const Reticle& reticle) {
@@ -46,16 +41,6 @@ bool isBelow(const fs::path& path, const fs::path& root) {
     return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
 }
 
-void replace(const fs::path& path, std::string_view text) {
-    std::ofstream file(aside(path), std::ios::binary | std::ios::trunc);
-    file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    file.close();
-    if (!file) {
-        throw std::runtime_error("cannot write " + aside(path).string());
-    }
-    fs::rename(aside(path), path);
-}
-
 }  // namespace
 
 Storage::Storage(fs::path root) : _root(std::move(root)), _reticles(_root / "reticle") {
@@ -68,11 +53,8 @@ std::optional<ReticleList> Storage::load() const {
     if (!fs::exists(path)) {
         return std::nullopt;
     }
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
     try {
-        return parseListText(text.str());
+        return parseListText(readFile(path).value_or(""));
     } catch (const std::exception& error) {
         throw std::runtime_error(path.string() + " holds no reticle list: " + error.what() +
                                  "; --reset goes back to the factory set");
@@ -80,12 +62,12 @@ std::optional<ReticleList> Storage::load() const {
 }
 
 void Storage::save(const ReticleList& list) {
-    replace(_root / LIST_FILE, listText(list));
+    replaceFile(_root / LIST_FILE, listText(list));
     _removeUnlisted(list);
 }
 
 void Storage::writeReticle(const std::string& fileName, std::string_view text) {
-    replace(_reticles / fileName, text);
+    replaceFile(_reticles / fileName, text);
 }
 
 std::optional<std::string> Storage::takeNewData(const std::string& deviceName,
@@ -102,7 +84,7 @@ std::optional<std::string> Storage::takeNewData(const std::string& deviceName,
 }
 
 void Storage::writeFaultyList(std::string_view text) {
-    replace(_root / FAULTY_LIST_FILE, text);
+    replaceFile(_root / FAULTY_LIST_FILE, text);
 }
 
 std::string Storage::rootText() const {

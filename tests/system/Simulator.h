@@ -20,6 +20,7 @@ public:
 
     [[nodiscard]] bool isAlive() { return _process.child().isAlive(); }
     [[nodiscard]] std::string output() const { return _process.standardOutput(); }
+    [[nodiscard]] std::string errors() const { return _process.standardError(); }
 
 private:
     Process _process;

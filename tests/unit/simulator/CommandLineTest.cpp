@@ -66,6 +66,12 @@ TEST(CommandLine, readsEveryOption) {
                 ElementsAre(Fault{FaultKind::DELAY, 10, 2}, Fault{FaultKind::SILENT, 0, {}}));
 }
 
+TEST(CommandLine, readsWhatToDoWithSessions) {
+    EXPECT_EQ(parse({"--record", "a", "--fault", "silent"}).options->recordFile, "a");
+    EXPECT_EQ(parse({"--replay", "b", "--root", "r"}).options->replayFile, "b");
+    EXPECT_EQ(parse({"--from-log", "c"}).options->fromLogFile, "c");
+}
+
 TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
     const std::vector<std::pair<std::vector<std::string>, std::string>> mistakes = {
         {{"--fault", "bang"}, "no fault is called 'bang'"},
@@ -74,6 +80,12 @@ TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
         {{"--port", "65536"}, "--port"},
         {{"--port", "-1"}, "--port"},
         {{"--max-reticles", "0"}, "--max-reticles"},
+        {{"--replay", "a", "--record", "b"}, "--record"},
+        {{"--replay", "a", "--fault", "silent"}, "--fault"},
+        {{"--replay", "a", "--reset"}, "--reset"},
+        {{"--from-log", "a", "--replay", "b"}, "--replay"},
+        {{"--from-log", "a", "--root", "b"}, "--root"},
+        {{"--record"}, "--record"},
         {{"--frequency"}, "--frequency"},
         {{"extra"}, "extra"}};
     for (const auto& [arguments, complaint] : mistakes) {
@@ -89,8 +101,9 @@ TEST(CommandLine, printsHelpForEveryOptionAndFault) {
     const Parsed parsed = parse({"--help"});
     EXPECT_FALSE(parsed.options);
     EXPECT_EQ(parsed.exitStatus, 0);
-    for (const char* text : {"--version", "--root DIR", "--port PORT", "--max-reticles COUNT",
-                             "--reset", "--verbose", "--fault KIND[:ARG][@N]"}) {
+    for (const char* text :
+         {"--version", "--root DIR", "--port PORT", "--max-reticles COUNT", "--reset", "--verbose",
+          "--fault KIND[:ARG][@N]", "--record FILE", "--replay FILE", "--from-log FILE"}) {
         EXPECT_THAT(parsed.out, HasSubstr(text));
     }
     EXPECT_THAT(parsed.out, HasSubstr(faultHelp()));

@@ -1,0 +1,41 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "simulator/EscapedText.h"
+
+namespace sim {
+namespace {
+
+TEST(EscapedText, plainTextIsWhatPeopleSee) {
+    EXPECT_TRUE(isPlainText(""));
+    EXPECT_TRUE(isPlainText("<svg>\n\t\\x \"ü☂𝔄\"\n"));
+    for (const std::string text : {"\r\n", "\x07", "\x7f", "\xff", "\xc3", "\xe2\x98", "\x80"}) {
+        EXPECT_FALSE(isPlainText("before" + text)) << escaped(text);
+        EXPECT_FALSE(isPlainText(text + "after")) << escaped(text);
+    }
+    EXPECT_FALSE(isPlainText(std::string(1, '\0')));
+}
+
+TEST(EscapedText, escapesWhatPeopleDoNotSee) {
+    EXPECT_EQ(escaped(std::string("a\\b\r\n\t\0\xff\x7f~", 10)), "a\\\\b\\r\n\t\\x00\\xff\\x7f~");
+}
+
+TEST(EscapedText, takesBackEveryByte) {
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte) {
+        all += static_cast<char>(byte);
+    }
+    EXPECT_EQ(unescaped(escaped(all)), all);
+    EXPECT_EQ(unescaped("\\xFF\\xff"), "\xff\xff");
+}
+
+TEST(EscapedText, refusesWhatIsNoEscape) {
+    for (const char* text : {"\\", "\\n", "\\x", "\\x1", "\\xg0", "\\x0g", "\\x-1"}) {
+        EXPECT_THROW((void)unescaped(text), std::runtime_error) << text;
+    }
+}
+
+}  // namespace
+}  // namespace sim
