@@ -61,6 +61,7 @@ void addCommands(CLI::App& app, const Session& session) {
     addUpdateCommand(app, session);
     addDeleteCommand(app, session);
     addShowCommand(app, session);
+    addGalleryCommand(app, session);
 }
 
 void unshieldOptions(CLI::App& app) {

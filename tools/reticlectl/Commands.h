@@ -14,5 +14,6 @@ void addAddCommand(CLI::App& app, const Session& session);
 void addUpdateCommand(CLI::App& app, const Session& session);
 void addDeleteCommand(CLI::App& app, const Session& session);
 void addShowCommand(CLI::App& app, const Session& session);
+void addGalleryCommand(CLI::App& app, const Session& session);
 
 }  // namespace reticlectl
