@@ -24,7 +24,7 @@ sigset_t interruptOnly() {
 
 }  // namespace
 
-InterruptSignal::InterruptSignal() : _previousMask(), _descriptor(-1) {
+InterruptSignal::InterruptSignal() {
     const sigset_t signals = interruptOnly();
     _descriptor = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
     if (_descriptor < 0) {

@@ -22,8 +22,8 @@ public:
     [[nodiscard]] bool waitFor(std::chrono::nanoseconds time) const;
 
 private:
-    sigset_t _previousMask;
-    int _descriptor;
+    sigset_t _previousMask{};
+    int _descriptor = -1;
 };
 
 }  // namespace reticlectl
