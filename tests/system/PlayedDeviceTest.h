@@ -30,7 +30,7 @@ protected:
     }
 
     /// `reticlectl arguments...`
-    static std::vector<std::string> call(const std::vector<std::string>& arguments) {
+    static std::vector<std::string> reticlectl(const std::vector<std::string>& arguments) {
         std::vector<std::string> command{programs::RETICLECTL};
         command.insert(command.end(), arguments.begin(), arguments.end());
         return command;

@@ -1,16 +1,12 @@
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "tests/support/FrameClient.h"
-#include "tests/system/Daemon.h"
 #include "tests/system/Exchanges.h"
+#include "tests/system/PlayedDeviceTest.h"
 #include "tests/system/Reticlectl.h"
-#include "tests/system/Simulator.h"
-#include "tests/system/SystemTest.h"
 
 namespace {
 
@@ -29,26 +25,12 @@ constexpr auto RING = R"(<svg><circle r="1" stroke="user_color"/></svg>)";
 constexpr auto RED_RING = R"(<svg><circle r="1" stroke="red"/></svg>)";
 constexpr auto CROSS = "<svg>\n<!-- Kreuz 1\xC2\xB0 -->\n<path d=\"M0 0h1\"/>\n</svg>\n";
 
-/// What users of all three programs do and see. The simulator and the real daemon run.
-class StoriesTest : public SystemTest {
+/// What users of all three programs do and see.
+class StoriesTest : public PlayedDeviceTest {
 protected:
     StoriesTest() {
-        flash.remove();
-        startDevice();
-        startService();
         flash.write("home/ring.svg", RING);
         flash.write("home/cross.svg", CROSS);
-    }
-
-    void startDevice(const std::vector<std::string>& options = {}) {
-        simulator.reset();
-        simulator.emplace(options);
-    }
-
-    void startService() {
-        service.reset();
-        service.emplace();
-        service->waitUntilListening();
     }
 
     // A command that is done: its table.
@@ -70,8 +52,6 @@ protected:
 
     const std::string ringFile = "/tmp/FL0/home/ring.svg";
     const std::string crossFile = "/tmp/FL0/home/cross.svg";
-    std::optional<Simulator> simulator;
-    std::optional<Daemon> service;
 };
 
 TEST_F(StoriesTest, List) {

@@ -21,7 +21,7 @@ protected:
     static std::string shown(const std::vector<std::string>& arguments,
                              TerminalProcess::Size size = TerminalProcess::WIDE,
                              const Environment& environment = {}) {
-        TerminalProcess process(call(arguments), size, environment);
+        TerminalProcess process(reticlectl(arguments), size, environment);
         EXPECT_EQ(process.waitForEnd(), 0);
         return process.output();
     }

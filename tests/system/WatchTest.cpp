@@ -31,7 +31,7 @@ class WatchTest : public PlayedDeviceTest {
 protected:
     static std::vector<std::string> watch(const std::vector<std::string>& options = {}) {
         std::vector<std::string> command =
-            call({"--timeout", "5", "--color", "never", "list", "--watch", "0.05"});
+            reticlectl({"--timeout", "60", "--color", "never", "list", "--watch", "0.05"});
         command.insert(command.end(), options.begin(), options.end());
         return command;
     }

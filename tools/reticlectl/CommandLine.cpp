@@ -54,6 +54,7 @@ void addCommands(CLI::App& app, const Session& session, ExitStatus& status) {
     addUpdateCommand(app, session);
     addDeleteCommand(app, session);
     addShowCommand(app, session);
+    addGalleryCommand(app, session);
     addPingCommand(app, session, status);
 }
 

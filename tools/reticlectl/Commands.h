@@ -15,6 +15,7 @@ void addAddCommand(CLI::App& app, const Session& session);
 void addUpdateCommand(CLI::App& app, const Session& session);
 void addDeleteCommand(CLI::App& app, const Session& session);
 void addShowCommand(CLI::App& app, const Session& session);
+void addGalleryCommand(CLI::App& app, const Session& session);
 
 /// The same; the command's own verdict goes to `status`, which must outlive `app`, too.
 void addPingCommand(CLI::App& app, const Session& session, ExitStatus& status);

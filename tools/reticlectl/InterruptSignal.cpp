@@ -6,7 +6,10 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
+#include <cstring>
+#include <string>
+
+#include "tools/reticlectl/Failure.h"
 
 namespace reticlectl {
 
@@ -21,11 +24,12 @@ sigset_t interruptOnly() {
 
 }  // namespace
 
-InterruptSignal::InterruptSignal() : _previousMask(), _descriptor(-1) {
+InterruptSignal::InterruptSignal() {
     const sigset_t signals = interruptOnly();
     _descriptor = ::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK);
     if (_descriptor < 0) {
-        throw std::system_error(errno, std::generic_category(), "cannot watch for Ctrl-C");
+        throw Failure(ExitStatus::USAGE, std::string("cannot watch for Ctrl-C: ") +
+                                             std::strerror(errno) + ": close other programs");
     }
     ::pthread_sigmask(SIG_BLOCK, &signals, &_previousMask);
 }

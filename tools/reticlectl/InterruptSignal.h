@@ -9,7 +9,7 @@ namespace reticlectl {
 /// was pressed instead. One at a time, in a process without other threads.
 class InterruptSignal {
 public:
-    /// \throws std::system_error where there is no descriptor for it.
+    /// \throws Failure (USAGE) where there is no descriptor for it.
     InterruptSignal();
     InterruptSignal(const InterruptSignal&) = delete;
     InterruptSignal& operator=(const InterruptSignal&) = delete;
@@ -22,8 +22,8 @@ public:
     [[nodiscard]] bool waitFor(std::chrono::nanoseconds time) const;
 
 private:
-    sigset_t _previousMask;
-    int _descriptor;
+    sigset_t _previousMask{};
+    int _descriptor = -1;
 };
 
 }  // namespace reticlectl

@@ -18,8 +18,8 @@ enum class Alignment { LEFT, RIGHT };
 constexpr std::size_t NEVER_SHORTENED = std::numeric_limits<std::size_t>::max();
 
 struct Column {
-    const char* title;
-    Alignment alignment;
+    const char* title = "";
+    Alignment alignment = Alignment::LEFT;
     /// How far its texts may be shortened.
     std::size_t smallest = NEVER_SHORTENED;
     bool hasSwatch = false;

@@ -35,7 +35,7 @@ void ReticleWatch::run() {
     using Clock = std::chrono::steady_clock;
     const auto interval = std::chrono::duration_cast<Clock::duration>(
         std::chrono::duration<double>(_intervalSeconds));
-    if (_session.terminal.size()) {
+    if (_pictureSize()) {
         _session.out << CLEAR_SCREEN;
     }
     while (true) {
@@ -62,9 +62,12 @@ void ReticleWatch::_refresh() {
     }
 }
 
+std::optional<TerminalSize> ReticleWatch::_pictureSize() const {
+    return _session.wantsJson ? std::nullopt : _session.terminal.size();
+}
+
 void ReticleWatch::_show() {
-    const auto size = _session.terminal.size();
-    if (size && !_session.wantsJson) {
+    if (const auto size = _pictureSize()) {
         _paint(*size);
     } else {
         _append();

@@ -21,6 +21,8 @@ public:
     [[noreturn]] void run();
 
 private:
+    // Nothing where lists follow one another.
+    [[nodiscard]] std::optional<TerminalSize> _pictureSize() const;
     void _refresh();
     void _show();
     void _paint(const TerminalSize& size) const;

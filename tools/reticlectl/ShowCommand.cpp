@@ -1,13 +1,11 @@
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <memory>
 #include <string>
 
 #include "tools/reticlectl/Commands.h"
 #include "tools/reticlectl/Failure.h"
 #include "tools/reticlectl/IndexArgument.h"
+#include "tools/reticlectl/OutputFile.h"
 
 namespace reticlectl {
 
@@ -15,8 +13,7 @@ namespace {
 
 struct Arguments {
     int index = 0;
-    /// Empty for standard output.
-    std::string output;
+    std::string output = STANDARD_OUTPUT;
 };
 
 const std::string& dataOf(const reticle::Reply& reply, int index) {
@@ -31,25 +28,11 @@ const std::string& dataOf(const reticle::Reply& reply, int index) {
     return found->data;
 }
 
-void writeFile(const std::string& file, const std::string& text) {
-    errno = 0;
-    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
-    stream << text << std::flush;
-    if (!stream) {
-        throw Failure(ExitStatus::USAGE, "cannot write " + file + ": " + std::strerror(errno) +
-                                             ": check the path and the room there");
-    }
-}
-
 void show(const Session& session, const Arguments& arguments) {
     const reticle::Reply reply = session.connect().list();
     const std::string& data = dataOf(reply, arguments.index);
     const std::string& text = session.wantsJson ? reply.json + '\n' : data;
-    if (arguments.output.empty()) {
-        session.out << text;
-    } else {
-        writeFile(arguments.output, text);
-    }
+    writeText(arguments.output, text, session.out);
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ std::optional<TerminalSize> currentSize() {
         return std::nullopt;
     }
     // A terminal that tells no height is not cut.
-    constexpr std::size_t ANY_HEIGHT = static_cast<std::size_t>(-1);
+    constexpr auto ANY_HEIGHT = static_cast<std::size_t>(-1);
     return TerminalSize{columns, window.ws_row > 0 ? window.ws_row : ANY_HEIGHT};
 }
 

@@ -196,6 +196,32 @@ TEST_F(CommandLine, ShowIntoAnImpossibleFileIsAUsageError) {
     expectOneErrorLine(run.outcome, ExitStatus::USAGE, "No such file or directory");
 }
 
+TEST_F(CommandLine, GalleryPrintsAPage) {
+    const Exchange run = exchange({"gallery"});
+    EXPECT_EQ(run.request, LIST_REQUEST);
+    EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
+    EXPECT_TRUE(run.outcome.out.starts_with("<!DOCTYPE html>\n")) << run.outcome.out;
+    EXPECT_NE(run.outcome.out.find(">Dot</h2>"), std::string::npos);
+    EXPECT_NE(run.outcome.out.find("id=\"light\" checked>"), std::string::npos);
+    EXPECT_TRUE(exchange({"gallery", "--output", "-"}).outcome.out.starts_with("<!DOCTYPE"));
+}
+
+TEST_F(CommandLine, GalleryWritesToAFile) {
+    const Exchange run =
+        exchange({"gallery", "--background", "grey", "--output", pathOf("out.html")});
+    EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
+    EXPECT_EQ(run.outcome.out, "");
+    EXPECT_NE(readFile("out.html").find("id=\"grey\" checked>"), std::string::npos);
+}
+
+TEST_F(CommandLine, GalleryAsJsonIsTheReplyItself) {
+    EXPECT_EQ(exchange({"gallery", "--json"}).outcome.out, std::string(ONE_RETICLE) + '\n');
+}
+
+TEST_F(CommandLine, GalleryKnowsThreeBackgrounds) {
+    expectUsageError({"gallery", "--background", "Pink"}, "--background");
+}
+
 TEST_F(CommandLine, ARefusalSaysItsNameAndMeaning) {
     const Exchange run = exchange({"delete", "0"}, R"({"result":"RETICLE_CANT_BE_DELETED"})");
     expectOneErrorLine(run.outcome, ExitStatus::REFUSED,
@@ -389,8 +415,9 @@ TEST_F(CommandLine, AWatchWhoseOutputCannotBeWrittenEnds) {
 TEST_F(CommandLine, HelpAndVersionAreDone) {
     const Outcome help = runProgram({"--help"});
     EXPECT_EQ(help.status, ExitStatus::DONE);
-    for (const char* word : {"list", "activate", "add", "update", "delete", "show", "--host",
-                             "--port", "--timeout", "--json", "Exit status: 0 done, 1 refused"}) {
+    for (const char* word :
+         {"list", "activate", "add", "update", "delete", "show", "gallery", "--host", "--port",
+          "--timeout", "--json", "Exit status: 0 done, 1 refused"}) {
         EXPECT_NE(help.out.find(word), std::string::npos) << word;
     }
     EXPECT_EQ(runProgram({"add", "--help"}).status, ExitStatus::DONE);

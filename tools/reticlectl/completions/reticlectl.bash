@@ -7,6 +7,7 @@ _reticlectl_options() {
     case $1 in
         list) echo --watch ;;
         show) echo --output ;;
+        gallery) echo --output --background ;;
         ping) echo --count --interval ;;
     esac
 }
@@ -14,7 +15,7 @@ _reticlectl_options() {
 # Succeeds for an option that the next word belongs to.
 _reticlectl_takes_value() {
     case $1 in
-        --host | --port | --timeout | --color | --watch | --output | --count | --interval) return 0 ;;
+        --host | --port | --timeout | --color | --watch | --output | --background | --count | --interval) return 0 ;;
         *) return 1 ;;
     esac
 }
@@ -51,6 +52,7 @@ _reticlectl_complete_value() {
     case $1 in
         --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$2") ;;
         --host) mapfile -t COMPREPLY < <(compgen -A hostname -- "$2") ;;
+        --background) mapfile -t COMPREPLY < <(compgen -W "light dark grey" -- "$2") ;;
         --output) _reticlectl_complete_files "$2" ;;
     esac
 }
@@ -74,7 +76,7 @@ _reticlectl() {
         -*) mapfile -t COMPREPLY < <(compgen -W "$(_reticlectl_options "$command")" -- "$current") ;;
         *,,*)
             mapfile -t COMPREPLY < <(
-                compgen -W "list activate add update delete show ping" -- "$current"
+                compgen -W "list activate add update delete show gallery ping" -- "$current"
             )
             ;;
         *,add,*[13579] | *,update,2) _reticlectl_complete_files "$current" ;;

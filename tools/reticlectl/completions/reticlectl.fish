@@ -2,7 +2,7 @@
 
 # Succeeds as long as there is no command.
 function __reticlectl_awaits_command
-    not __fish_seen_subcommand_from list activate add update delete show ping
+    not __fish_seen_subcommand_from list activate add update delete show gallery ping
 end
 
 # Succeeds where a FILE of `add` belongs: NAME and FILE stand in turn behind the command.
@@ -28,10 +28,12 @@ complete -c reticlectl -n __reticlectl_awaits_command -a add -d 'Store new retic
 complete -c reticlectl -n __reticlectl_awaits_command -a update -d 'Replace a reticle\'s name and data'
 complete -c reticlectl -n __reticlectl_awaits_command -a delete -d 'Delete reticles'
 complete -c reticlectl -n __reticlectl_awaits_command -a show -d 'Print a reticle\'s data'
+complete -c reticlectl -n __reticlectl_awaits_command -a gallery -d 'Make a web page with the pictures of all reticles'
 complete -c reticlectl -n __reticlectl_awaits_command -a ping -d 'Ask whether the service answers'
 
 complete -c reticlectl -n '__fish_seen_subcommand_from list' -l watch -x -d 'Show them again and again'
-complete -c reticlectl -n '__fish_seen_subcommand_from show' -l output -r -F -d 'Write to this file'
+complete -c reticlectl -n '__fish_seen_subcommand_from show gallery' -l output -r -F -d 'Write to this file'
+complete -c reticlectl -n '__fish_seen_subcommand_from gallery' -l background -x -a 'light dark grey' -d 'What shows first behind the pictures'
 complete -c reticlectl -n '__fish_seen_subcommand_from ping' -l count -x -d 'How often to ask'
 complete -c reticlectl -n '__fish_seen_subcommand_from ping' -l interval -x -d 'How long from one to the next'
 complete -c reticlectl -n '__fish_seen_subcommand_from update' -F

@@ -1,0 +1,20 @@
+# Sets `result` to the SHA-256 of `text` in base64, the form in which web pages state it.
+function(content_hash result text)
+    set(alphabet "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/")
+    string(SHA256 digits "${text}")
+    # 64 hexadecimal digits and two of padding: 22 groups of three, each two digits of base64.
+    string(APPEND digits "00")
+    set(base64 "")
+    foreach(group RANGE 21)
+        math(EXPR at "${group} * 3")
+        string(SUBSTRING "${digits}" ${at} 3 bits)
+        math(EXPR high "0x${bits} / 64")
+        math(EXPR low "0x${bits} % 64")
+        string(SUBSTRING "${alphabet}" ${high} 1 first)
+        string(SUBSTRING "${alphabet}" ${low} 1 second)
+        string(APPEND base64 "${first}${second}")
+    endforeach()
+    # The last digit stands for the padding alone.
+    string(REGEX REPLACE "A$" "=" base64 "${base64}")
+    set(${result} "${base64}" PARENT_SCOPE)
+endfunction()

@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/browser/Chromium.h"
+#include "tests/support/Text.h"
+#include "tests/system/Daemon.h"
+#include "tests/system/Reticlectl.h"
+#include "tests/system/Simulator.h"
+#include "tests/system/SystemTest.h"
+
+namespace {
+
+constexpr Rgb LIGHT_GROUND{0xF6, 0xF7, 0xF4};
+constexpr Rgb DARK_GROUND{0x0B, 0x0E, 0x12};
+constexpr Rgb GREY_GROUND{0x77, 0x77, 0x77};
+
+constexpr auto PAGE = "/tmp/FL0/gallery.html";
+
+/// A square of the user's colour that fills its picture, and other data.
+constexpr auto LIST = R"([{"reticles":[
+{"index":3,"name":"Square","data":"square.svg","userColor":"#12fe34","isDeletable":false,"isActive":true},
+{"index":8,"name":"Notes","data":"notes","userColor":"red","isDeletable":true,"isActive":false}]}])";
+constexpr auto SQUARE =
+    R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 9 9"><rect width="9" height="9" fill="user_color"/></svg>)";
+constexpr Rgb SQUARE_COLOUR{0x12, 0xFE, 0x34};
+
+/// A green square. Its scripts, were they run, would make it red; what it refers to, were it loaded,
+/// would lay blue on it.
+constexpr auto HOSTILE = R"svg(<?xml version="1.0"?>
+<?xml-stylesheet href="file:///tmp/FL0/blue.css" type="text/css"?>
+<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 9 9" width="900" height="900" shape-rendering="crispEdges"
+     onload="document.getElementById('loaded').setAttribute('fill', '#fe0102')">
+<style>@import url(file:///tmp/FL0/blue.css);</style>
+<rect width="9" height="9" fill="#02fe01"/>
+<rect id="loaded" width="4" height="4" fill="#02fe01"/>
+<rect id="run" x="5" width="4" height="4" fill="#02fe01"/>
+<image href="file:///tmp/FL0/blue.svg" y="5" width="4" height="4"/>
+<foreignObject x="5" y="5" width="4" height="4">
+<body xmlns="http://www.w3.org/1999/xhtml" style="margin:0">
+<img src="file:///tmp/FL0/blue.svg" onerror="parent.document.title='owned'" style="width:4px;height:4px"/>
+<script>document.documentElement.setAttribute('owned', '1')</script></body></foreignObject>
+<script>
+document.getElementById('run').setAttribute('fill', '#fe0102');
+try { top.document.title = 'owned'; } catch (refused) {}
+</script></svg>)svg";
+constexpr auto BLUE =
+    R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 4 4"><rect width="4" height="4" fill="#0102fe"/></svg>)";
+constexpr Rgb HARMLESS_COLOUR{0x02, 0xFE, 0x01};
+constexpr Rgb SCRIPT_COLOUR{0xFE, 0x01, 0x02};
+constexpr Rgb LOADED_COLOUR{0x01, 0x02, 0xFE};
+
+constexpr auto HOSTILE_LIST = R"json([{"reticles":[
+{"index":0,"name":"\"><img src=x onerror=\"document.title='owned'\">","data":"hostile.svg","userColor":"red","isDeletable":true,"isActive":false},
+{"index":1,"name":"<script>document.title='owned'</script>","data":"colour.svg","userColor":"url(file:///tmp/FL0/blue.svg)","isDeletable":true,"isActive":false},
+{"index":2,"name":"</title><svg onload=\"document.title='owned'\">","data":"text","userColor":"red","isDeletable":true,"isActive":false}]}])json";
+
+/// reticlectl makes the page from what the real service and the simulated device say.
+class GalleryTest : public SystemTest {
+protected:
+    void startWith(const std::string& list) {
+        flash.write("reticle_list.json", list);
+        simulator.emplace();
+        service.emplace();
+        service->waitUntilListening();
+    }
+
+    static OpenedPage openGallery(const std::string& background) {
+        const Reticlectl call =
+            Reticlectl::run({"gallery", "--output", PAGE, "--background", background});
+        EXPECT_EQ(call.status, Reticlectl::DONE) << call.error;
+        EXPECT_EQ(call.output, "");
+        return openInChromium(PAGE);
+    }
+
+    std::optional<Simulator> simulator;
+    std::optional<Daemon> service;
+};
+
+/// A square picture of one colour stands on a ground of another.
+void expectSquareOn(const Screenshot& screenshot, Rgb colour, Rgb ground) {
+    constexpr std::size_t SMALLEST = 100;
+    constexpr std::size_t BESIDE = 5;
+    const auto corner = screenshot.first(colour);
+    ASSERT_TRUE(corner) << "nothing is drawn in " << colour;
+    const std::size_t width = screenshot.runToTheRight(*corner);
+    const std::size_t height = screenshot.runDown(*corner);
+    EXPECT_GE(width, SMALLEST);
+    EXPECT_NEAR(static_cast<double>(width), static_cast<double>(height), 2);
+    const std::size_t middle = corner->y + height / 2;
+    EXPECT_EQ(screenshot.at({corner->x - BESIDE, middle}), ground);
+    EXPECT_EQ(screenshot.at({corner->x + width + BESIDE, middle}), ground);
+}
+
+void expectPart(const std::string& dom, const std::string& part) {
+    EXPECT_NE(dom.find(part), std::string::npos) << part << "\nis missing in\n" << dom;
+}
+
+TEST_F(GalleryTest, ShowsACardForEachReticleOnTheChosenBackground) {
+    flash.write("reticle/square.svg", SQUARE);
+    flash.write("reticle/notes", "1 < 2 & <b>bold</b>");
+    startWith(LIST);
+
+    const OpenedPage light = openGallery("light");
+    EXPECT_EQ(countOf("<article", light.dom), 2U);
+    expectPart(light.dom, ">Square</h2><span class=\"index\">Index 3</span>");
+    expectPart(light.dom,
+               "<span class=\"badge active\">Active</span><a download=\"reticle-3.svg\"");
+    expectPart(light.dom, "#12fe34</span><span>107 bytes</span>");
+    expectPart(light.dom, ">Notes</h2><span class=\"index\">Index 8</span>");
+    expectPart(light.dom, "<p class=\"foot\"><span class=\"badge\">Deletable</span><a download=");
+    expectPart(light.dom, "<pre>1 &lt; 2 &amp; &lt;b&gt;bold&lt;/b&gt;</pre>");
+    expectPart(light.dom, "<a download=\"reticle-8.txt\" href=\"data:application/octet-stream");
+    expectSquareOn(light.screenshot, SQUARE_COLOUR, LIGHT_GROUND);
+
+    const OpenedPage dark = openGallery("dark");
+    expectSquareOn(dark.screenshot, SQUARE_COLOUR, DARK_GROUND);
+}
+
+TEST_F(GalleryTest, HostilePicturesAndNamesDoNothing) {
+    flash.write("reticle/hostile.svg", HOSTILE);
+    flash.write("reticle/colour.svg",
+                R"(<svg viewBox="0 0 9 9"><path fill="user_color" d="M0 0h9v9z"/></svg>)");
+    flash.write("reticle/text", "<script>document.title='owned'</script>");
+    flash.write("blue.svg", BLUE);
+    flash.write("blue.css", "rect { fill: #0102fe }");
+    startWith(HOSTILE_LIST);
+
+    const OpenedPage page = openGallery("grey");
+    EXPECT_EQ(countOf("<article", page.dom), 3U);
+    expectPart(page.dom, "<title>Reticles on 127.0.0.1:3451</title>");
+    expectPart(page.dom, "<img alt=\"Picture of &quot;&gt;");
+    expectPart(page.dom, "<h2 dir=\"auto\">\"&gt;&lt;img src=x onerror=");
+    expectPart(page.dom,
+               "<h2 dir=\"auto\">&lt;script&gt;document.title='owned'&lt;/script&gt;</h2>");
+    expectPart(page.dom, "<h2 dir=\"auto\">&lt;/title&gt;&lt;svg onload=");
+    expectPart(page.dom, "<pre>&lt;script&gt;document.title='owned'&lt;/script&gt;</pre>");
+    expectSquareOn(page.screenshot, HARMLESS_COLOUR, GREY_GROUND);
+    EXPECT_EQ(page.screenshot.count(SCRIPT_COLOUR), 0U);
+    EXPECT_EQ(page.screenshot.count(LOADED_COLOUR), 0U);
+
+    // The same picture is not harmless where a browser trusts it: the test can tell.
+    const OpenedPage trusted = openInChromium("/tmp/FL0/reticle/hostile.svg");
+    EXPECT_GT(trusted.screenshot.count(SCRIPT_COLOUR) + trusted.screenshot.count(LOADED_COLOUR),
+              0U);
+}
+
+}  // namespace

@@ -1,0 +1,11 @@
+#pragma once
+
+namespace reticlectl {
+
+/// The text of gallery.css.
+extern const char* const GALLERY_STYLE;
+
+/// Its SHA-256 in base64, by which a Content-Security-Policy allows it.
+extern const char* const GALLERY_STYLE_HASH;
+
+}  // namespace reticlectl
