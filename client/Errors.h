@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "client/Reply.h"
+#include "Reply.h"
 
 namespace reticle {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "client/Reticle.h"
+#include "Reticle.h"
 
 namespace reticle {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "client/Errors.h"
-#include "client/Reply.h"
-#include "client/Reticle.h"
+#include "Errors.h"
+#include "Reply.h"
+#include "Reticle.h"
 
 namespace reticle {
 

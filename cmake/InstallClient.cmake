@@ -1,0 +1,41 @@
+# The client library for applications: `cmake --install BUILD --component client-dev`.
+include(CMakePackageConfigHelpers)
+
+set(CLIENT_PACKAGE_DIRECTORY ${CMAKE_INSTALL_LIBDIR}/cmake/reticle-client)
+
+install(
+    TARGETS reticle-client
+    EXPORT reticle-client
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT client-dev
+    PUBLIC_HEADER DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/reticle-client COMPONENT client-dev
+    INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(
+    EXPORT reticle-client
+    FILE reticle-client-targets.cmake
+    NAMESPACE reticle-client::
+    DESTINATION ${CLIENT_PACKAGE_DIRECTORY}
+    COMPONENT client-dev)
+
+configure_package_config_file(
+    cmake/reticle-client-config.cmake.in ${PROJECT_BINARY_DIR}/reticle-client-config.cmake
+    INSTALL_DESTINATION ${CLIENT_PACKAGE_DIRECTORY}
+    NO_SET_AND_CHECK_MACRO)
+# Below 1.0.0 a new minor version may break its users.
+write_basic_package_version_file(
+    ${PROJECT_BINARY_DIR}/reticle-client-config-version.cmake COMPATIBILITY SameMinorVersion)
+
+# Relative to the file itself, so that an installed tree can be moved.
+set(CLIENT_PKGCONFIG_DIRECTORY ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH CLIENT_PREFIX_FROM_PKGCONFIG /${CLIENT_PKGCONFIG_DIRECTORY} /)
+string(REGEX REPLACE "/$" "" CLIENT_PREFIX_FROM_PKGCONFIG ${CLIENT_PREFIX_FROM_PKGCONFIG})
+configure_file(cmake/reticle-client.pc.in ${PROJECT_BINARY_DIR}/reticle-client.pc @ONLY)
+
+install(
+    FILES ${PROJECT_BINARY_DIR}/reticle-client-config.cmake
+          ${PROJECT_BINARY_DIR}/reticle-client-config-version.cmake
+    DESTINATION ${CLIENT_PACKAGE_DIRECTORY}
+    COMPONENT client-dev)
+install(
+    FILES ${PROJECT_BINARY_DIR}/reticle-client.pc
+    DESTINATION ${CLIENT_PKGCONFIG_DIRECTORY}
+    COMPONENT client-dev)

@@ -1,0 +1,70 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+
+#include "tests/examples/ExampleTest.h"
+#include "tests/examples/InstalledLibrary.h"
+#include "tests/support/Text.h"
+#include "tests/system/Programs.h"
+
+namespace {
+
+const std::string PROJECT = programs::SOURCE_DIRECTORY + "/examples/cpp";
+const std::string SOURCE = PROJECT + "/list-reticles.cpp";
+
+constexpr auto CHEVRON_IS_ACTIVE = R"(  0 Duplex
+  1 Mil-Dot
+  2 MOA Grid
+  3 BDC 7.62 mm
+  4 Circle-Dot
+  5 German No. 4
+  6 Mil Tree
+* 7 Chevron
+)";
+
+class CppExampleTest : public ExampleTest {
+protected:
+    // Both ways of building must give a program that works.
+    static void expectWorks(const std::string& program) {
+        const Run activated = run({program, "127.0.0.1", "7"});
+        EXPECT_EQ(activated.status, 0) << activated.error;
+        EXPECT_EQ(activated.output, CHEVRON_IS_ACTIVE);
+        EXPECT_EQ(run({program, "127.0.0.1"}).output, CHEVRON_IS_ACTIVE);
+
+        const Run refused = run({program, "127.0.0.1", "99"});
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_EQ(refused.output, "");
+        EXPECT_EQ(refused.error, "The device said no: RETICLE_INDEX_NOT_FOUND\n");
+    }
+
+    const InstalledLibrary library;
+};
+
+TEST_F(CppExampleTest, BuiltByCMake) {
+    library.buildWithCMake(PROJECT, "/tmp/FL0/build");
+    expectWorks("/tmp/FL0/build/list-reticles");
+}
+
+TEST_F(CppExampleTest, BuiltWithPkgConfig) {
+    library.buildWithPkgConfig(SOURCE, "/tmp/FL0/list-reticles");
+    expectWorks("/tmp/FL0/list-reticles");
+}
+
+TEST_F(CppExampleTest, ServiceThatIsNotThere) {
+    library.buildWithPkgConfig(SOURCE, "/tmp/FL0/list-reticles");
+    // An unused network: nobody listens.
+    Sandbox::renewNetwork();
+    const Run call = run({"/tmp/FL0/list-reticles", "127.0.0.1"});
+    EXPECT_EQ(call.status, 1);
+    EXPECT_NE(call.error, "");
+}
+
+TEST_F(CppExampleTest, StaysShort) {
+    constexpr auto LONGEST = 40;
+    const std::string text = contentOfFile(SOURCE);
+    EXPECT_FALSE(text.empty());
+    EXPECT_LE(std::count(text.begin(), text.end(), '\n'), LONGEST);
+}
+
+}  // namespace
