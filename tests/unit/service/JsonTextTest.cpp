@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 #include <json/reader.h>
-#include <time.h>
 
-#include <algorithm>
-#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -140,86 +137,6 @@ TEST(JsonTextTest, TextsAreWrittenInTheLibrarysDefaultLayout) {
 })");
     EXPECT_EQ(writeJson(Json::Value()), "null");
 }
-
-/// Processor time of this thread: what else the machine does hardly counts.
-std::chrono::nanoseconds processorTime() {
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-}
-
-/// The shortest of several runs.
-std::chrono::nanoseconds timeToJudge(const std::string& body) {
-    constexpr int RUNS = 3;
-    auto shortest = std::chrono::nanoseconds::max();
-    for (int i = 0; i < RUNS; ++i) {
-        const auto start = processorTime();
-        static_cast<void>(JsonRetriever::isJson(body));
-        shortest = std::min(shortest, processorTime() - start);
-    }
-    return shortest;
-}
-
-/// A body that is made to take long: `part` again and again in a frame.
-struct HostileBody {
-    const char* name;
-    std::string start;
-    std::string part;
-    std::string end;
-
-    [[nodiscard]] std::string ofBytes(std::size_t bytes) const {
-        return start + repeated(part, bytes / part.size()) + end;
-    }
-};
-
-void PrintTo(const HostileBody& body, std::ostream* stream) {
-    *stream << body.name;
-}
-
-class HostileBodyTest : public testing::TestWithParam<HostileBody> {};
-
-/// Whether a body of four times the size takes about four times as long. Quadratic time would be 16
-/// times as long; another attempt is granted where the machine was busy with something else.
-bool isLinearAt(std::size_t bytes, const HostileBody& hostile) {
-    constexpr int TIMES = 4;
-    constexpr int BOUND = 9;
-    constexpr int ATTEMPTS = 5;
-    const std::string small = hostile.ofBytes(bytes);
-    const std::string large = hostile.ofBytes(bytes * TIMES);
-    for (int i = 0; i < ATTEMPTS; ++i) {
-        if (timeToJudge(large) < BOUND * timeToJudge(small)) {
-            return true;
-        }
-    }
-    return false;
-}
-
-TEST_P(HostileBodyTest, CostsTimeLinearInItsSize) {
-    const OutputCapture output;
-    // Step by step, so that a parser that is not linear is found before it takes hours.
-    for (const std::size_t kilobytes : {8U, 32U, 128U}) {
-        ASSERT_TRUE(isLinearAt(kilobytes * 1024, GetParam())) << kilobytes << " KB";
-    }
-    constexpr std::size_t LARGEST_BODY_BYTES = 4'194'303;
-    const std::size_t frameBytes = GetParam().start.size() + GetParam().end.size();
-    EXPECT_EQ(JsonRetriever::isJson(GetParam().ofBytes(LARGEST_BODY_BYTES - frameBytes)),
-              !GetParam().end.empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Shapes, HostileBodyTest,
-    testing::Values(HostileBody{"CommentsAfterAValueOnItsLine", "{\"a\":1", "/**/", "}"},
-                    HostileBody{"CommentsAfterAValueInAList", "[1", " /* x */", "]"},
-                    HostileBody{"CommentsBeforeAValue", "[", "/* x */", "1]"},
-                    HostileBody{"LineComments", "[", "//\n", "1]"},
-                    HostileBody{"CommentsAfterEachValue", "[", "1 /* comment after it */,", "1]"},
-                    HostileBody{"CommentsAfterTheEnd", "[]", "/**/", " "},
-                    HostileBody{"ManyNumbers", "[", "1000000000,", "1]"},
-                    HostileBody{"ManyMembers", "{", "\"a\":1,", "\"b\":1}"},
-                    HostileBody{"LongString", "[\"", "\\u00e9", "\"]"},
-                    HostileBody{"ErrorsAllOver", "[", "1 2,", ""},
-                    HostileBody{"OpenBrackets", "", "[", ""}),
-    [](const auto& shape) { return std::string(shape.param.name); });
 
 }  // namespace
 }  // namespace reticled
