@@ -14,6 +14,10 @@ elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # Who holds which lock, from the annotations of net/CheckedMutex.h; "beta" adds the order of locks.
     add_compile_options(-Wthread-safety -Wthread-safety-beta)
 endif()
+if(CMAKE_UNITY_BUILD)
+    # Files that are compiled as one hide each other's names; the release build sees each by itself.
+    add_compile_options(-Wno-shadow)
+endif()
 if(WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)
 endif()

@@ -1,6 +1,7 @@
 #include "tools/reticlectl/GalleryPage.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <string_view>
 
@@ -29,9 +30,9 @@ struct Choice {
     const char* label;
 };
 
-constexpr Choice CHOICES[] = {{Background::LIGHT, "light", "Light"},
-                              {Background::DARK, "dark", "Dark"},
-                              {Background::GREY, "grey", "Photo grey"}};
+constexpr std::array CHOICES{Choice{Background::LIGHT, "light", "Light"},
+                             Choice{Background::DARK, "dark", "Dark"},
+                             Choice{Background::GREY, "grey", "Photo grey"}};
 
 std::string shown(std::string_view text) {
     return htmlText(printable(text));
@@ -78,7 +79,7 @@ std::string backgroundSwitch() {
     for (const Choice& choice : CHOICES) {
         labels += std::string("<label for=\"") + choice.id + "\">" + choice.label + "</label>";
     }
-    return element("<div class=\"switch\" role=\"group\" aria-label=\"Background\">", labels,
+    return element(R"(<div class="switch" role="group" aria-label="Background">)", labels,
                    "</div>\n");
 }
 
@@ -112,7 +113,7 @@ std::string colour(const std::string& value) {
     const std::string dot =
         R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 1 1"><rect width="1" height="1" fill=")" +
         shown(value) + "\"/></svg>";
-    return "<span class=\"colour\"><img alt=\"\" src=\"" + dataUrl(SVG_TYPE, dot) + "\">" +
+    return R"(<span class="colour"><img alt="" src=")" + dataUrl(SVG_TYPE, dot) + "\">" +
            shown(value) + "</span>";
 }
 
