@@ -44,12 +44,12 @@ TEST_F(InstalledLibraryTest, HoldsNothingOfTheOtherComponents) {
     }));
 }
 
-TEST_F(InstalledLibraryTest, RefusesAProjectThatNeedsAnotherMajorVersion) {
+TEST_F(InstalledLibraryTest, RefusesAProjectThatNeedsAnotherMinorVersion) {
     const FlashFiles files;
     files.write("project/CMakeLists.txt",
                 "cmake_minimum_required(VERSION 3.25)\n"
                 "project(needs-another LANGUAGES CXX)\n"
-                "find_package(reticle-client 99 REQUIRED)\n");
+                "find_package(reticle-client 0.0 REQUIRED)\n");
     EXPECT_THROW(library.buildWithCMake("/tmp/FL0/project", "/tmp/FL0/build"), std::runtime_error);
 }
 

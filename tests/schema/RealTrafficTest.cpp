@@ -71,7 +71,8 @@ TEST_F(RealTrafficTest, AddAndUpdateInOneRequest) {
 
 TEST_F(RealTrafficTest, Delete) {
     const std::string action = "RETICLES_DELETE";
-    EXPECT_EQ(resultOf(action, reticle::removeRequest({7, 0})), "RETICLE_CANT_BE_DELETED");
+    EXPECT_EQ(resultOf(action, reticle::removeRequest({7})), "OK");
+    EXPECT_EQ(resultOf(action, reticle::removeRequest({0})), "RETICLE_CANT_BE_DELETED");
     EXPECT_EQ(resultOf(action, reticle::removeRequest({7})), "RETICLE_INDEX_NOT_FOUND");
     EXPECT_EQ(resultOf(action, R"({"action":"RETICLES_DELETE"})"), "none");
 }

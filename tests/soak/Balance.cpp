@@ -69,8 +69,12 @@ bool couldFindQueueFull(const Ledger::Contents& round, Ledger::RequestNumber num
 }  // namespace
 
 void Balance::add(const Ledger::Contents& round) {
+    const std::size_t answeredBefore = _counts[ANSWERED];
     _addRequests(round);
     _addReplies(round);
+    if (_counts[ANSWERED] == answeredBefore) {
+        complain("a round without an answered request");
+    }
     for (const auto& [reason, count] : round.failures) {
         _counts[FAILED + reason] += count;
         if (std::ranges::find(DOCUMENTED_FAILURES, reason) == DOCUMENTED_FAILURES.end()) {

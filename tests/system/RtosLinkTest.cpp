@@ -100,11 +100,11 @@ TEST_F(RtosLinkTest, AbsentRtosCostsTheReplyAndMayComeLater) {
 
 TEST_F(RtosLinkTest, SilenceOfFiveSecondsEndsTheLinkForEver) {
     ScriptedRtos rtos;
-    ask(rtos);
     const auto asked = std::chrono::steady_clock::now();
+    ask(rtos);
     EXPECT_TRUE(rtos.link().seesEnd());
     const auto waited = std::chrono::steady_clock::now() - asked;
-    EXPECT_GT(waited, ANSWER_TIMEOUT - std::chrono::milliseconds(500));
+    EXPECT_GE(waited, ANSWER_TIMEOUT);
     EXPECT_LT(waited, ANSWER_TIMEOUT + PATIENCE);
     expectDeadLink(rtos, SILENT);
 }

@@ -55,10 +55,10 @@ TEST_F(ShortageTest, ClientWaitsUntilThereIsADescriptorAndNoProcessorTimeIsBurnt
     constexpr std::size_t IN_USE = 7;
     EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == IN_USE; }));
     service.info().setSoftLimit(RLIMIT_NOFILE, IN_USE);
-    // The waiting accept has set one number aside already.
-    FrameClient last;
     const auto start = std::chrono::steady_clock::now();
     const auto processorTime = service.info().processorTime();
+    // The waiting accept has set one number aside already.
+    FrameClient last;
     FrameClient waiting;
     waiting.sendFrame(exchanges::GET_ALL);
     EXPECT_TRUE(service.hasError("Too many open files: Too many open files\n", ATTEMPTS));

@@ -153,7 +153,7 @@ TEST_F(StoriesTest, ServiceThatIsNotThere) {
 
 TEST_F(StoriesTest, DeviceThatComesLater) {
     EXPECT_EQ(simulator->stop(), 0);
-    const Reticlectl call = Reticlectl::run({"--timeout", "0.3", "list"});
+    const Reticlectl call = Reticlectl::run({"--timeout", "1", "list"});
     EXPECT_EQ(call.status, Reticlectl::NO_REPLY);
     EXPECT_NE(call.error, "");
     startDevice();
@@ -197,8 +197,8 @@ TEST_F(StoriesTest, ALifeOfADevice) {
     // The link does not outlive the device: the service is restarted with it.
     EXPECT_EQ(simulator->stop(), 0);
     startDevice();
-    EXPECT_EQ(Reticlectl::run({"--timeout", "0.3", "list"}).status, Reticlectl::NO_REPLY);
-    EXPECT_EQ(Reticlectl::run({"--timeout", "0.3", "list"}).status, Reticlectl::NO_REPLY);
+    EXPECT_EQ(Reticlectl::run({"--timeout", "1", "list"}).status, Reticlectl::NO_REPLY);
+    EXPECT_EQ(Reticlectl::run({"--timeout", "1", "list"}).status, Reticlectl::NO_REPLY);
     startService();
     EXPECT_EQ(tableOf({"list"}), atTheEnd);
     EXPECT_EQ(Reticlectl::run({"show", "8"}).output, CROSS);

@@ -137,7 +137,7 @@ TEST(Frame, ALyingLengthEndsAtTheDeadline) {
         peer.send(header({"\x3F\xFF\xFF\xFF", 4}) + "{}");
         peer.waitForClose();
     });
-    EXPECT_THROW(receiveFrom(service, 200ms), NoReply);
+    EXPECT_THROW(receiveFrom(service, 1s), NoReply);
 }
 
 TEST(Frame, DrippingBytesDoNotMoveTheDeadline) {
@@ -148,7 +148,7 @@ TEST(Frame, DrippingBytesDoNotMoveTheDeadline) {
             peer.send("x");
         }
     });
-    EXPECT_THROW(receiveFrom(service, 200ms), NoReply);
+    EXPECT_THROW(receiveFrom(service, 1s), NoReply);
 }
 
 TEST(Frame, AFloodDoesNotMoveTheDeadline) {
@@ -159,7 +159,7 @@ TEST(Frame, AFloodDoesNotMoveTheDeadline) {
             peer.send(flood);
         }
     });
-    EXPECT_THROW(receiveFrom(service, 20ms), NoReply);
+    EXPECT_THROW(receiveFrom(service, 1s), NoReply);
 }
 
 }  // namespace

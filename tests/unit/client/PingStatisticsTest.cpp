@@ -24,6 +24,11 @@ TEST(PingStatistics, TellsCountsAndTimes) {
               "rtt min/avg/max/mdev = 1.000/2.500/4.000/1.225 ms\n");
 }
 
+TEST(PingStatistics, TellsLongTimesInFull) {
+    const std::string text = threeAndALoss().text("host:1", Milliseconds(1'234'567.8));
+    EXPECT_NE(text.find("25% loss, time 1234567ms\n"), std::string::npos) << text;
+}
+
 TEST(PingStatistics, TellsTheSameAsJson) {
     EXPECT_EQ(threeAndALoss().json("host:1", ELAPSED),
               R"({"avgMs":2.5,"elapsedMs":2003.9,"lossPercent":25.0,"maxMs":4.0,"mdevMs":1.225,)"

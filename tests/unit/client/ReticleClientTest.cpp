@@ -168,15 +168,15 @@ TEST(ReticleClient, CannotConnectWhereNobodyListens) {
 
 TEST(ReticleClient, SilenceEndsAtTheTimeout) {
     const FakeService service([](FakePeer& peer) { peer.waitForClose(); });
-    ReticleClient client(HOST, service.port(), 150ms);
+    ReticleClient client(HOST, service.port(), 1s);
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_THROW(client.list(), NoReply);
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, 150ms);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 1s);
 }
 
 TEST(ReticleClient, SaysWhatToCheckWhenNothingComes) {
     const FakeService service([](FakePeer& peer) { peer.waitForClose(); });
-    ReticleClient client(HOST, service.port(), 50ms);
+    ReticleClient client(HOST, service.port(), 1s);
     try {
         client.list();
         FAIL();
@@ -184,7 +184,7 @@ TEST(ReticleClient, SaysWhatToCheckWhenNothingComes) {
         EXPECT_EQ(
             std::string(error.what()),
             "no reply from 127.0.0.1:" + std::to_string(service.port()) +
-                " within 0.05 s: check the device's RTOS side and the service's log (a link to "
+                " within 1 s: check the device's RTOS side and the service's log (a link to "
                 "the RTOS that was lost stays so until the service restarts)");
     }
 }
@@ -196,7 +196,7 @@ TEST(ReticleClient, AServiceThatDoesNotReadIsNoReply) {
         EXPECT_TRUE(peer.hasClosed(POLL_MS));
         peer.waitForClose();
     });
-    ReticleClient client(HOST, service.port(), 100ms);
+    ReticleClient client(HOST, service.port(), 1s);
     EXPECT_THROW(client.list(), NoReply);
 }
 
@@ -213,7 +213,7 @@ TEST(ReticleClient, ALateReplyIsNotTakenForTheNext) {
         peer.send(framed(ONE_RETICLE));
         peer.waitForClose();
     });
-    ReticleClient client(HOST, service.port(), 500ms);
+    ReticleClient client(HOST, service.port(), 3s);
     EXPECT_THROW(client.list(), NoReply);
     EXPECT_EQ(client.list().json, ONE_RETICLE);
     EXPECT_EQ(connections, 2);

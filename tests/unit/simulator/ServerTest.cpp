@@ -197,7 +197,7 @@ TEST(Server, resetsTheConnectionInsteadOfAnAnswer) {
 }
 
 TEST(Server, splitsAnAnswer) {
-    const RunningSimulator simulator({{FaultKind::SPLIT, 400, 1}});
+    const RunningSimulator simulator({{FaultKind::SPLIT, 3000, 1}});
     const LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange(LIST), R"([{"param":"reticle_li)");
     EXPECT_EQ(client.receive(), R"(st.json","ret_val":0}])");
