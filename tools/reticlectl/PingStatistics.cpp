@@ -34,7 +34,8 @@ std::string PingStatistics::text(const std::string& peer, Milliseconds elapsed) 
     std::ostringstream text;
     text << "--- " << peer << " ping statistics ---\n"
          << transmitted() << " requests transmitted, " << received() << " received, "
-         << std::floor(_lossPercent()) << "% loss, time " << static_cast<long long>(elapsed.count()) << "ms\n";
+         << std::floor(_lossPercent()) << "% loss, time " << static_cast<long long>(elapsed.count())
+         << "ms\n";
     if (const auto summary = _summary()) {
         text << "rtt min/avg/max/mdev = " << millisecondsText(summary->minimum) << '/'
              << millisecondsText(summary->average) << '/' << millisecondsText(summary->maximum)

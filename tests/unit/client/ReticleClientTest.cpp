@@ -181,11 +181,10 @@ TEST(ReticleClient, SaysWhatToCheckWhenNothingComes) {
         client.list();
         FAIL();
     } catch (const NoReply& error) {
-        EXPECT_EQ(
-            std::string(error.what()),
-            "no reply from 127.0.0.1:" + std::to_string(service.port()) +
-                " within 1 s: check the device's RTOS side and the service's log (a link to "
-                "the RTOS that was lost stays so until the service restarts)");
+        EXPECT_EQ(std::string(error.what()),
+                  "no reply from 127.0.0.1:" + std::to_string(service.port()) +
+                      " within 1 s: check the device's RTOS side and the service's log (a link to "
+                      "the RTOS that was lost stays so until the service restarts)");
     }
 }
 
