@@ -8,6 +8,7 @@
 #include "tests/support/FrameClient.h"
 #include "tests/support/ScriptedRtos.h"
 #include "tests/system/Daemon.h"
+#include "tests/system/DaemonTest.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/Simulator.h"
 #include "tests/system/SystemTest.h"
@@ -25,8 +26,6 @@ void expectFits(const std::string& action, const std::string& request, const std
 /// The real service before a simulated device with eight reticles that takes one more.
 class RealTrafficTest : public SystemTest {
 protected:
-    RealTrafficTest() { service.waitUntilListening(); }
-
     // The result of one exchange that must fit the schemas; "none" when it has none.
     std::string resultOf(const std::string& action, const std::string& request) {
         client.sendFrame(request);
@@ -35,9 +34,14 @@ protected:
         return reticle::Reply::parse(reply).result.value_or("none");
     }
 
+    FrameClient connected() {
+        service.waitUntilListening();
+        return FrameClient();
+    }
+
     const Simulator simulator{{"--max-reticles", "9"}};
     Daemon service;
-    FrameClient client;
+    FrameClient client = connected();
 };
 
 TEST_F(RealTrafficTest, List) {
@@ -78,10 +82,8 @@ TEST_F(RealTrafficTest, Delete) {
 }
 
 /// What only a device that a test plays can say.
-class UnusualRepliesTest : public SystemTest {
+class UnusualRepliesTest : public DaemonTest {
 protected:
-    UnusualRepliesTest() { service.waitUntilListening(); }
-
     std::string replyTo(const std::string& answer) {
         client.sendFrame(exchanges::GET_ALL);
         static_cast<void>(rtos.exchange(answer));
@@ -90,8 +92,6 @@ protected:
         return reply;
     }
 
-    ScriptedRtos rtos;
-    Daemon service;
     FrameClient client;
 };
 
