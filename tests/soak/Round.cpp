@@ -14,6 +14,8 @@ constexpr int ORDINARY_CLIENTS = 5;
 constexpr int VISITORS = 4;
 constexpr std::size_t MEGABYTE = std::size_t{1} << 20U;
 constexpr std::size_t GIVEN_BACK_WITHIN_BYTES = 32 * MEGABYTE;
+/// The service's own: main, server, worker, response. It listens before all of them run.
+constexpr std::size_t OWN_THREADS = 4;
 /// Every exchange before this one is good, so that the round has begun.
 constexpr std::size_t FIRST_FAULT = 20;
 
@@ -73,14 +75,13 @@ Round::Round(Kind kind, std::mt19937::result_type seed)
     : _kind(kind), _random(seed), _device(deviceOptions(kind, _random)), _service(_ledger) {}
 
 void Round::play(std::chrono::seconds duration, Balance& balance, std::ostream& out) {
-    const std::size_t threads = _service.info().threadCount();
     {
         // One exchange first: the link is up and everything made on first use is there.
         OrdinaryClient first(_ledger, 0, _random(), false);
-        _comeToRest(first, threads + 1, balance);
+        _comeToRest(first, OWN_THREADS + 1, balance);
         first.conversation().finish();
     }
-    if (!eventually([&] { return _service.info().threadCount() == threads; })) {
+    if (!eventually([&] { return _service.info().threadCount() == OWN_THREADS; })) {
         balance.complain("a thread stays when its client has left");
     }
     const Resources before = _resources();
@@ -91,7 +92,7 @@ void Round::play(std::chrono::seconds duration, Balance& balance, std::ostream& 
             ordinary.emplace_back(_ledger, i + 1, _random(), _kind != Kind::LINK_IS_OUT_OF_STEP);
         }
         _playClients(duration, ordinary, balance);
-        _comeToRest(ordinary.front(), threads + ordinary.size(), balance);
+        _comeToRest(ordinary.front(), OWN_THREADS + ordinary.size(), balance);
         for (OrdinaryClient& client : ordinary) {
             while (client.conversation().read(std::chrono::milliseconds::zero())) {
             }
