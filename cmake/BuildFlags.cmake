@@ -58,6 +58,17 @@ if(SANITIZERS)
     endif()
 endif()
 
+# Where files are compiled as one, all of a target are.
+set(CMAKE_UNITY_BUILD_BATCH_SIZE 0)
+
+# Compiles a target's files as one where the build type is not for work on a single file: the headers that its files
+# share cost more than the files themselves.
+function(compile_together target)
+    if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
+        set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
+    endif()
+endfunction()
+
 # Sources whose names in unnamed namespaces clash with their neighbours' where several are compiled as one.
 function(compile_alone)
     set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)

@@ -13,8 +13,6 @@ namespace sim {
 
 namespace {
 
-constexpr std::string_view DEVICE_ROOT = "a:/";
-
 /// The members `key` of all elements of `text` that are objects.
 std::vector<Json::Value> membersOfElements(const std::string& text, const char* key) {
     std::vector<Json::Value> members;

@@ -2,12 +2,16 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace sim {
 
 // The files that the texts of an exchange name, relative to the root. Names that lead out of it
 // are left out.
+
+/// What the device calls the root of its files, in front of each name.
+inline constexpr std::string_view DEVICE_ROOT = "a:/";
 
 /// The directory of the reticle files, with a slash at its end.
 inline constexpr const char* RETICLES_DIRECTORY = "reticle/";

@@ -1,12 +1,12 @@
 #include "simulator/SessionWriter.h"
 
 #include "simulator/EscapedText.h"
+#include "simulator/StepReader.h"
 
 namespace sim {
 
 namespace {
 
-constexpr const char* INDENTATION = "    ";
 constexpr std::string_view NAMING_VERB = "file ";
 
 void writeAnswer(std::ostream& output, const Delivery& answer) {

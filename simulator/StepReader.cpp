@@ -11,7 +11,6 @@ namespace sim {
 
 namespace {
 
-constexpr std::string_view INDENTATION = "    ";
 constexpr std::string_view ESCAPED = ", escaped";
 constexpr std::string_view BYTES = " bytes";
 constexpr std::string_view DIGITS = "0123456789";

@@ -4,8 +4,12 @@
 #include <istream>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace sim {
+
+/// In front of each line of a step's text.
+inline constexpr std::string_view INDENTATION = "    ";
 
 /// One line of a session file with the indented text below it.
 struct Step {

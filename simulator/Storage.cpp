@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "simulator/Files.h"
+#include "simulator/NamedFiles.h"
 
 namespace fs = std::filesystem;
 
@@ -12,7 +13,6 @@ namespace sim {
 
 namespace {
 
-constexpr std::string_view DEVICE_ROOT = "a:/";
 constexpr std::string_view FACTORY_PREFIX = "factory-";
 constexpr std::string_view USER_PREFIX = "user-";
 

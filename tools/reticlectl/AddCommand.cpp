@@ -17,13 +17,13 @@ struct NamedFile {
     std::string file;
 };
 
-struct Arguments {
+struct AddArguments {
     NamedFile first;
     /// Further names and files, in turn.
     std::vector<std::string> more;
 };
 
-std::vector<NamedFile> pairUp(const Arguments& arguments) {
+std::vector<NamedFile> pairUp(const AddArguments& arguments) {
     if (arguments.more.size() % 2 != 0) {
         throw Failure(ExitStatus::USAGE,
                       "a NAME without FILE: check that each NAME is followed by its FILE");
@@ -56,7 +56,7 @@ void add(const Session& session, const std::vector<NamedFile>& pairs) {
 void addAddCommand(CLI::App& app, const Session& session) {
     auto* command = app.add_subcommand(
         "add", "Store new reticles, in order, up to the first that the device refuses");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<AddArguments>();
     command->add_option("NAME", arguments->first.name, "The new reticle's name")->required();
     command->add_option("FILE", arguments->first.file, "Its data, UTF-8 text; - is standard input")
         ->required();

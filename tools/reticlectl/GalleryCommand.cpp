@@ -12,7 +12,7 @@ namespace reticlectl {
 
 namespace {
 
-struct Arguments {
+struct GalleryArguments {
     std::string output = STANDARD_OUTPUT;
     std::string background = "light";
 };
@@ -23,7 +23,7 @@ const std::map<std::string, Background>& backgrounds() {
     return BACKGROUNDS;
 }
 
-void makeGallery(const Session& session, const Arguments& arguments) {
+void makeGallery(const Session& session, const GalleryArguments& arguments) {
     const reticle::Reply reply = session.connect().list();
     const std::string device = session.host + ":" + std::to_string(session.port);
     const std::string text =
@@ -38,7 +38,7 @@ void makeGallery(const Session& session, const Arguments& arguments) {
 void addGalleryCommand(CLI::App& app, const Session& session) {
     auto* command =
         app.add_subcommand("gallery", "Make a web page with the pictures of all reticles");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<GalleryArguments>();
     command->add_option("--output", arguments->output, "Write to this file instead")
         ->type_name("FILE.html");
     command

@@ -10,7 +10,7 @@ namespace reticlectl {
 
 namespace {
 
-struct Arguments {
+struct PingArguments {
     std::size_t count = 1;
     double intervalSeconds = 1;
 };
@@ -23,7 +23,7 @@ std::string checkCount(const std::string& text) {
 
 void addPingCommand(CLI::App& app, const Session& session, ExitStatus& status) {
     auto* command = app.add_subcommand("ping", "Ask whether the service answers, and how fast");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<PingArguments>();
     command->add_option("--count", arguments->count, "How often to ask, 0 for until Ctrl-C")
         ->type_name("N")
         ->check(&checkCount)

@@ -13,7 +13,7 @@ namespace reticlectl {
 
 namespace {
 
-constexpr double PERCENT = 100;
+constexpr double LOSS_OF_ALL = 100;  // percent
 
 }  // namespace
 
@@ -68,7 +68,7 @@ double PingStatistics::_lossPercent() const {
     if (_roundTrips.empty()) {
         return 0;
     }
-    return PERCENT * static_cast<double>(transmitted() - received()) /
+    return LOSS_OF_ALL * static_cast<double>(transmitted() - received()) /
            static_cast<double>(transmitted());
 }
 

@@ -11,7 +11,7 @@ namespace reticlectl {
 
 namespace {
 
-struct Arguments {
+struct ShowArguments {
     int index = 0;
     std::string output = STANDARD_OUTPUT;
 };
@@ -28,7 +28,7 @@ const std::string& dataOf(const reticle::Reply& reply, int index) {
     return found->data;
 }
 
-void show(const Session& session, const Arguments& arguments) {
+void show(const Session& session, const ShowArguments& arguments) {
     const reticle::Reply reply = session.connect().list();
     const std::string& data = dataOf(reply, arguments.index);
     const std::string& text = session.wantsJson ? reply.json + '\n' : data;
@@ -39,7 +39,7 @@ void show(const Session& session, const Arguments& arguments) {
 
 void addShowCommand(CLI::App& app, const Session& session) {
     auto* command = app.add_subcommand("show", "Print a reticle's data, the user's colour put in");
-    const auto arguments = std::make_shared<Arguments>();
+    const auto arguments = std::make_shared<ShowArguments>();
     addIndexArgument(*command, arguments->index);
     command->add_option("--output", arguments->output, "Write to this file instead")
         ->type_name("FILE");
