@@ -1,8 +1,9 @@
-# A throw-away machine that boots systemd: sourced by scripts that test the units. What it shows of this machine is
+# A throw-away machine: sourced by scripts that test units and packages. What it shows of this machine is
 # read-only; all that is written stays in memory, and all of it ends with the script, however that ends.
 #   enter_private_world NAME "$0" "$@"   goes on as process 1 of private namespaces; ends 77 where that is impossible
 #   make_root                            prepares the container's file system at $container_root
 #   boot                                 starts it and waits until it is up; ends 77 where nspawn cannot work
+#   start_without_systemd, shut_down     the same without a service manager, and its end
 #   inside COMMAND...                    runs a command in it
 # shellcheck shell=bash
 
@@ -122,12 +123,33 @@ is_up() {
     find_leader && [[ $(inside systemctl is-system-running 2>/dev/null) =~ ^(running|degraded)$ ]]
 }
 
-boot() {
+require_nspawn() {
     (nspawn --as-pid2 /bin/true) >/run/container/console 2>&1 ||
         not_tested "systemd-nspawn cannot run a command: $(tail -n 3 /run/container/console)"
+}
+
+boot() {
+    require_nspawn
     nspawn --boot systemd.unit=multi-user.target >/run/container/console 2>&1 &
     nspawn_pid=$!
     eventually $boot_patience "boot of the container" is_up
+}
+
+is_started() {
+    kill -0 "$nspawn_pid" 2>/dev/null || fail "the container ended: $(cat /run/container/console)"
+    find_leader && inside test -e /run/started
+}
+
+start_without_systemd() {
+    require_nspawn
+    nspawn --as-pid2 /bin/sh -c ': >/run/started && exec sleep infinity' >/run/container/console 2>&1 &
+    nspawn_pid=$!
+    eventually $boot_patience "start of the container" is_started
+}
+
+shut_down() {
+    kill -KILL "$leader"
+    wait "$nspawn_pid" 2>/dev/null || true
 }
 
 inside() {

@@ -23,6 +23,15 @@ std::string help(const std::string& program) {
     return process.standardOutput();
 }
 
+/// Of the line "NAME VERSION".
+std::string versionOf(const std::string& program) {
+    Process process({program, "--version"});
+    EXPECT_EQ(process.waitForEnd(), 0);
+    const std::string output = process.standardOutput();
+    const std::size_t begin = output.find(' ') + 1;
+    return output.substr(begin, output.find('\n') - begin);
+}
+
 bool namesInBold(const std::string& text, const std::string& word) {
     return text.find("\\fB" + word + "\\fR") != std::string::npos;
 }
@@ -74,11 +83,8 @@ TEST(ManPagesTest, TheServiceHasNoOptions) {
 }
 
 TEST(ManPagesTest, EachNamesTheVersionOfThePrograms) {
-    Process process({programs::RETICLECTL, "--version"});
-    ASSERT_EQ(process.waitForEnd(), 0);
-    const std::string output = process.standardOutput();
-    const std::string version =
-        output.substr(output.find(' ') + 1, output.find('\n') - output.find(' ') - 1);
+    const std::string version = versionOf(programs::RETICLECTL);
+    EXPECT_EQ(versionOf(programs::RTOS_SIM), version);
     for (const char* name : {"reticlectl.1", "reticled.8", "reticled-foreground.8", "rtos-sim.1"}) {
         EXPECT_NE(page(name).find("\"reticled " + version + "\""), std::string::npos) << name;
     }
