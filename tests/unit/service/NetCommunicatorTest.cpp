@@ -207,6 +207,7 @@ TEST_F(NetCommunicatorTest, ConnectionIsClosedAtItsEnd) {
 TEST_F(NetCommunicatorTest, StoppedServerReadsNoMoreAndClosesTheConnection) {
     Pair pair = connectedPair();
     pair.client.send(frame(SYNC, "00 00 00 02", "{}"));
+    pair.client.closeWriting();
     Peer::stop(net);
     Peer::clientRoutine(net, dup(pair.service.get()));
     pair.service.close();
