@@ -156,6 +156,9 @@ TEST(DaemonizeDeathTest, ClosedStandardInputIsReported) {
     EXPECT_EQ(daemon.facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
 }
 
+// The leak check at the end of the starter needs descriptors for itself.
+#if !defined(__SANITIZE_ADDRESS__)
+
 TEST(DaemonizeDeathTest, WhereTheLimitIsBelowTheStandardStreamsOnlyThoseWithinItAreReplaced) {
     const Daemonizing daemon([] { limitDescriptors(2); });
     EXPECT_EQ(daemon.starter.out(), BOTH_FORKS);
@@ -172,6 +175,8 @@ TEST(DaemonizeDeathTest, WhereNoDescriptorMayBeOpenedTheStreamsStayAndTheStarter
     EXPECT_NE(daemon.facts.descriptors.find(" 2:/memfd:"), std::string::npos)
         << daemon.facts.descriptors;
 }
+
+#endif
 
 TEST(DaemonizeDeathTest, ForksThatFailAreReportedAndTheProcessGoesOn) {
     const Daemonizing daemon([] { refuseSystemCall(SYS_clone, EAGAIN); });
