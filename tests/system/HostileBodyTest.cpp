@@ -18,13 +18,13 @@ using exchanges::FULL_REPLY;
 using exchanges::GET_ALL;
 using exchanges::LIST_REQUEST;
 
-constexpr std::string_view DELETE_1 = R"([
+constexpr std::string_view DELETION_OF_1 = R"([
 	{
 		"msg_id" : 80,
 		"param" : 1
 	}
 ])";
-constexpr std::string_view ADD_R = R"([
+constexpr std::string_view ADDITION_OF_R = R"([
 	{
 		"msg_id" : 78,
 		"param2_name" : "R",
@@ -41,9 +41,9 @@ struct Expected {
 Expected expectedFor(HostileText::Request request) {
     switch (request) {
         case HostileText::Request::DELETION:
-            return {DELETE_1, FULL_REPLY};
+            return {DELETION_OF_1, FULL_REPLY};
         case HostileText::Request::ADDITION:
-            return {ADD_R, FULL_REPLY};
+            return {ADDITION_OF_R, FULL_REPLY};
         case HostileText::Request::LIST_AFTER_CHANGE:
             return {LIST_REQUEST, "{\n\t\"reticles\" : null\n}"};
         default:

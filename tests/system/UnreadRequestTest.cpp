@@ -20,7 +20,7 @@ using exchanges::FULL_REPLY;
 using exchanges::GET_ALL;
 using exchanges::LIST_REQUEST;
 
-constexpr auto REPLY = "{\n\t\"result\" : \"OK\",\n\t\"reticles\" : null\n}";
+constexpr auto REPLY_TO_CHANGE = "{\n\t\"result\" : \"OK\",\n\t\"reticles\" : null\n}";
 
 /// An RTOS that does not read while a request is on its way that is far larger than what the kernel
 /// holds for a connection.
@@ -72,7 +72,7 @@ TEST_F(UnreadRequestTest, WaitsAndArrivesWholeOnceItIsReadAndLaterOnesAreAnswere
     EXPECT_TRUE(rtos.isQuiet());
     rtos.answer(DONE);
     EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
-    EXPECT_EQ(client.readReply(), REPLY);
+    EXPECT_EQ(client.readReply(), REPLY_TO_CHANGE);
     EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
     EXPECT_EQ(later.readReply(), FULL_REPLY);
     expectServed(client, rtos);
@@ -89,7 +89,7 @@ TEST_F(UnreadRequestTest, IsCutShortWhenTheServiceIsStoppedAndGoesOn) {
     EXPECT_TRUE(wholeRequest.starts_with(received));
     EXPECT_LT(received.size(), wholeRequest.size());
     rtos.answer(FULL);
-    EXPECT_EQ(client.readReply(), REPLY);
+    EXPECT_EQ(client.readReply(), REPLY_TO_CHANGE);
     expectServed(client, rtos);
 }
 
