@@ -93,7 +93,8 @@ void Ledger::ready(const std::string& reply) {
 void Ledger::sending(const std::string& reply) {
     const std::lock_guard lock(_mutex);
     if (_ready.empty() || _contents.requests[_ready.front()].replyHash != hash(reply)) {
-        _contents.surprises.push_back("a reply out of order: " + reply);
+        _contents.surprises.push_back("a reply out of order, or after one that was dropped: " +
+                                      reply);
         return;
     }
     _lastSent = _ready.front();

@@ -28,10 +28,13 @@ protected:
                                  R"("userColor":"red","isDeletable":1,"isActive":0}]}])");
         flash.write("reticle/big.svg", std::string(RETICLE_BYTES, 'x'));
         slow.sendFrame(GET_ALL);
-        EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
+        EXPECT_EQ(rtos.receiveRequest(), LIST_REQUEST);
+        answered = std::chrono::steady_clock::now();
+        rtos.answer(LIST_ANSWER);
     }
 
     FrameClient slow{SMALL_BUFFER_BYTES};
+    std::chrono::steady_clock::time_point answered;  ///< no reply is under way before
 };
 
 TEST_F(SlowReaderTest, SlowReaderIsServedToTheEnd) {
@@ -71,7 +74,6 @@ TEST_F(StalledReaderTest, StalledReaderIsCutOffAndFifteenRepliesHaveWaited) {
     constexpr int LOST = 3;
     FrameClient other;
     EXPECT_EQ(slow.readBytes(1).size(), 1);
-    const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < WAITING; ++i) {
         other.sendFrame(GET_ALL);
         EXPECT_EQ(rtos.exchange(R"([{"ret_val":5}])"), LIST_REQUEST);
@@ -84,7 +86,7 @@ TEST_F(StalledReaderTest, StalledReaderIsCutOffAndFifteenRepliesHaveWaited) {
         EXPECT_EQ(other.readReply(STALL_LIMIT + PATIENCE),
                   "{\n\t\"result\" : \"RETICLE_INDEX_NOT_FOUND\"\n}");
     }
-    EXPECT_GT(std::chrono::steady_clock::now() - start, STALL_LIMIT - std::chrono::seconds(2));
+    EXPECT_GE(std::chrono::steady_clock::now() - answered, STALL_LIMIT);
 
     EXPECT_EQ(countOf("Error during send response for socket: ", service.errors()), 1);
     EXPECT_TRUE(slow.connection().seesEnd());

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <future>
 #include <iostream>
 #include <memory>
@@ -201,6 +202,18 @@ TEST_F(NetCommunicatorTest, ConnectionIsClosedAtItsEnd) {
     const std::size_t before = openDescriptors();
     EXPECT_EQ(read(frame(SYNC, "00 00 00 02", "{}")), Bodies{"{}"});
     EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(NetCommunicatorTest, StoppedServerReadsNoMoreAndClosesTheConnection) {
+    Pair pair = connectedPair();
+    pair.client.send(frame(SYNC, "00 00 00 02", "{}"));
+    pair.client.closeWriting();
+    Peer::stop(net);
+    Peer::clientRoutine(net, dup(pair.service.get()));
+    pair.service.close();
+    EXPECT_TRUE(queuedRequests().empty());
+    EXPECT_TRUE(pair.client.seesEnd());
+    EXPECT_EQ(output.out(), "");
 }
 
 TEST_F(NetCommunicatorTest, ErrorsOfReceivingAndClosingAreReported) {
@@ -431,12 +444,68 @@ TEST_F(AcceptingNetCommunicatorTest, WithoutDescriptorsAcceptIsTriedAgainAfterAP
     EXPECT_EQ(nextRequest()->_data, "[2]");
 }
 
+/// A server whose every `accept` fails.
+class FailingAcceptTest : public NetCommunicatorTest {
+protected:
+    using Clock = std::chrono::steady_clock;
+    static constexpr auto PAUSE = std::chrono::milliseconds(10);
+
+    /// How often `accept` can have been tried by now, if each failure is followed by the pause.
+    [[nodiscard]] std::size_t mostWithPauses() const {
+        return 1 + static_cast<std::size_t>((Clock::now() - start) / PAUSE);
+    }
+
+    /// Lets `accept` fail with `error` until `holds`, which is given the number of times.
+    void failUntil(int error, const std::function<bool(std::size_t failures)>& holds) {
+        const std::string reason = std::generic_category().message(error);
+        const OutputCapture own;
+        start = Clock::now();
+        const std::jthread server([&] {
+            refuseSystemCall(SYS_accept, error);
+            Peer::serverRoutine(net);
+        });
+        EXPECT_TRUE(
+            eventually([&] { return holds(countOf(reason + ": " + reason + '\n', own.err())); }));
+        Peer::stop(net);
+    }
+
+    Clock::time_point start;
+};
+
+TEST_F(FailingAcceptTest, ShortageIsFollowedByAPause) {
+    constexpr std::size_t FAILURES = 3;
+    for (const int error : {EMFILE, ENFILE, ENOBUFS, ENOMEM}) {
+        Peer::resume(net);
+        std::size_t counted = 0;
+        failUntil(error, [&](std::size_t failures) {
+            counted = failures;
+            return failures >= FAILURES;
+        });
+        EXPECT_LE(counted, mostWithPauses()) << error;
+    }
+}
+
+TEST_F(FailingAcceptTest, OtherErrorIsFollowedByTheNextAttemptAtOnce) {
+    failUntil(ECONNABORTED, [this](std::size_t failures) { return failures > mostWithPauses(); });
+}
+
 TEST_F(AcceptingNetCommunicatorTest, JoinWaitsForTheServerThread) {
     auto joined = std::async(std::launch::async, [this] { net.join(); });
     EXPECT_EQ(joined.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
     Peer::stop(net);
     shutdown(Peer::serverSocket(net), SHUT_RDWR);
     EXPECT_EQ(joined.wait_for(PATIENCE), std::future_status::ready);
+    // Nothing is left to wait for.
+    net.join();
+}
+
+TEST(NetCommunicatorEndTest, PortThatIsClosedAlreadyIsReported) {
+    const OutputCapture output;
+    {
+        const NetCommunicator net;
+        close(Peer::serverSocket(net));
+    }
+    EXPECT_EQ(output.err(), "Bad file descriptor: Bad file descriptor\n");
 }
 
 TEST(NetCommunicatorEndTest, DestructionEndsTheServerThreadAndClosesThePort) {
@@ -460,7 +529,7 @@ void expectFailureWithout(unsigned systemCall, std::optional<unsigned> thirdArgu
             std::cout << failure.what() << std::endl;
         }
         // Not the worker's lines at the end of the process.
-        _exit(EXIT_SUCCESS);
+        endAtOnce(EXIT_SUCCESS);
     });
     EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
     EXPECT_EQ(process.out(), text + '\n');
@@ -485,7 +554,7 @@ TEST(NetCommunicatorDeathTest, ReaderThatCannotBeStartedCostsItsClientTheConnect
         Pair pair = connectedPair();
         Peer::startReader(net, dup(pair.service.get()));
         pair.service.close();
-        _exit(pair.client.seesEnd() ? EXIT_SUCCESS : EXIT_FAILURE);
+        endAtOnce(pair.client.seesEnd() ? EXIT_SUCCESS : EXIT_FAILURE);
     });
     EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
     EXPECT_EQ(process.err(), "_serverRoutine, exception: Resource temporarily unavailable\n");
@@ -504,7 +573,7 @@ TEST(NetCommunicatorDeathTest, StartedServiceAnswersItsClients) {
         // So that nothing of the connection keeps the port from the next test.
         client.connection().reset();
         // The threads never end: no orderly way out.
-        _exit(isAsked && isAnswered ? EXIT_SUCCESS : EXIT_FAILURE);
+        endAtOnce(isAsked && isAnswered ? EXIT_SUCCESS : EXIT_FAILURE);
     });
     EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS) << process.out() << process.err();
 }

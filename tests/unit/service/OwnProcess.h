@@ -39,8 +39,8 @@ private:
 /// coverage build has counted in it is kept.
 [[noreturn]] void endAtOnce(int status);
 
-/// Makes the kernel refuse the system call `number` with `error` for the rest of this process's
-/// life. Call it in a process of its own.
+/// Makes the kernel refuse the system call `number` with `error` to this thread, and to those that it
+/// starts, for the rest of its life. Call it in a process, or a thread, of its own.
 /// \param onlyThirdArgument refuse only calls with this third argument.
 /// \throws std::system_error when the kernel has no such filters.
 void refuseSystemCall(unsigned number, int error, std::optional<unsigned> onlyThirdArgument = {});

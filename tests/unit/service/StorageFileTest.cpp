@@ -1,16 +1,22 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
+#include <csignal>
 #include <fstream>
 #include <future>
 #include <string>
+#include <thread>
 
 #include "reticles/StorageFile.h"
 #include "tests/support/FlashFiles.h"
+#include "tests/support/Patience.h"
 #include "tests/unit/service/DescriptorLimit.h"
 
 namespace reticled {
 namespace {
+
+std::atomic<int> interruptions{0};
 
 class StorageFileTest : public testing::Test {
 protected:
@@ -44,6 +50,27 @@ TEST_F(StorageFileTest, FileWithoutASizeIsReadToItsEnd) {
     auto written =
         std::async(std::launch::async, [&] { std::ofstream("/tmp/FL0/fifo") << content; });
     EXPECT_TRUE(StorageFile("/tmp/FL0/fifo").readAll() == content);
+}
+
+TEST_F(StorageFileTest, ReadThatASignalInterruptsIsDoneAgain) {
+    ASSERT_EQ(mkfifo("/tmp/FL0/fifo", 0600), 0);
+    struct sigaction interrupting {};
+    interrupting.sa_handler = [](int) { ++interruptions; };
+    struct sigaction original {};
+    sigaction(SIGUSR1, &interrupting, &original);
+    std::string read;
+    std::jthread reader([&] { read = StorageFile("/tmp/FL0/fifo").readAll(); });
+    std::ofstream writer("/tmp/FL0/fifo");
+    // Again and again: the first may come before the reader waits.
+    ASSERT_TRUE(eventually([&] {
+        pthread_kill(reader.native_handle(), SIGUSR1);
+        return interruptions > 20;
+    }));
+    writer << "content" << std::flush;
+    writer.close();
+    reader.join();
+    sigaction(SIGUSR1, &original, nullptr);
+    EXPECT_EQ(read, "content");
 }
 
 TEST_F(StorageFileTest, NoDescriptorIsKept) {

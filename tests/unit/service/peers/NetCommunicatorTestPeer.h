@@ -20,7 +20,9 @@ struct NetCommunicatorTestPeer {
     static void startReader(NetCommunicator& net, int socket) { net._startReader(socket); }
     static void sendNextReply(NetCommunicator& net) { net._sendNextReply(); }
     static void responseThread(NetCommunicator& net) { net.responseThread(); }
+    static void serverRoutine(NetCommunicator& net) { net._serverRoutine(); }
     static void stop(NetCommunicator& net) { net._isStopped = true; }
+    static void resume(NetCommunicator& net) { net._isStopped = false; }
 
     /// The first half of start(): a response thread would never end.
     static void startServerThread(NetCommunicator& net) {
