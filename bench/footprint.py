@@ -74,8 +74,9 @@ def single(values):
 
 
 def build():
-    targets = ("instant-rtos", "bench-load", "bench-start", "descriptor-limit")
-    for arguments in (("release", "reticled", *targets), ("minimal",), ("static",)):
+    programs = ("reticled", "reticled-foreground")
+    peers = ("instant-rtos", "limit-relay", "bench-load", "bench-start", "descriptor-limit")
+    for arguments in (("release", *programs, *peers), ("minimal",), ("static",)):
         subprocess.run([ROOT / "scripts" / "build", *arguments], check=True, stdout=sys.stderr)
 
 
@@ -148,10 +149,12 @@ def measure_idle(programs, plan):
         yield Figure(f"{name} in {plan.idle_s} idle s", unit, single(values), everywhere(0))
 
 
-def check_replies(programs):
-    for program in programs.values():
+def check_behaviour(programs):
+    """The presets must differ in their figures alone."""
+    for preset, program in programs.items():
         with scratch() as files:
             measure.check_replies(program, files)
+            measure.check_failing_start(ROOT / "build" / preset / "reticled-foreground", files)
 
 
 def parse_arguments():
@@ -169,7 +172,7 @@ def main():
     build()
     print(machine.line(machine.describe()), end="\n\n")
     programs = {preset: strip(preset) for preset in PRESETS}
-    check_replies(programs)
+    check_behaviour(programs)
 
     sizes = {preset: program.stat().st_size / KB for preset, program in programs.items()}
     size = Figure("stripped size", "KB", single(sizes), SIZE_GOALS_KB)

@@ -10,7 +10,7 @@ from dataclasses import dataclass
 
 import contenders as who
 import scenarios
-from cell import poll_until
+from cell import PATIENCE_S, poll_until
 
 PIPELINED_REQUESTS = 5
 DESCRIPTOR_LIMITS = (1024, 1048576)
@@ -176,6 +176,21 @@ def check_replies(contender, files):
         scenario.write(files / scenario.name)
         with who.started(contender, files / scenario.name, 1) as (load, _):
             load.run(1, 1)
+
+
+def check_failing_start(foreground, files):
+    """Starts the service in the foreground where its port is taken.
+
+    Raises ReplyError where it does not end with status 0.
+    """
+    scenarios.ACTIVATE.write(files)
+    with who.started_rtos(files) as cell:
+        cell.start(who.command_of(who.RELAY, files), stdin=subprocess.DEVNULL,
+                   stdout=subprocess.DEVNULL)
+        who.Load(who.RELAY, cell, files, 1)
+        service = cell.start([str(foreground)], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        if status := service.wait(PATIENCE_S):
+            raise who.ReplyError(f"{foreground}, its port taken, ended with status {status}")
 
 
 @dataclass(frozen=True)
