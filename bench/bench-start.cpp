@@ -1,4 +1,5 @@
-// bench-start: starts a program and prints the nanoseconds until its first reply has arrived.
+// bench-start: starts a program and prints the nanoseconds until it has accepted a connection, and
+// until its first reply has arrived.
 //   bench-start REQUEST-FILE REPLY-FILE PROGRAM [ARGUMENT...]
 // The program is left running.
 #include <fcntl.h>
@@ -17,6 +18,12 @@
 namespace reticled::bench {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
+std::chrono::nanoseconds::rep nanosecondsSince(Clock::time_point begin) {
+    return std::chrono::nanoseconds(Clock::now() - begin).count();
+}
+
 /// The program's progress lines are not for whoever reads the time.
 [[noreturn]] void execute(char** program) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): open is what it is
@@ -29,15 +36,15 @@ int start(std::span<char*> arguments) {
     const std::string request = readFile(arguments[1]);
     const std::string expected = readFile(arguments[2]);
     char** const program = &arguments[3];
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = Clock::now();
     if (check(fork(), "fork") == 0) {
         execute(program);
     }
     const int connection = connectTo(CLIENT_PORT);
+    const auto accepted = nanosecondsSince(begin);
     sendFrame(connection, request);
     const auto reply = receiveFrame(connection);
-    const auto elapsed = std::chrono::steady_clock::now() - begin;
-    std::cout << std::chrono::nanoseconds(elapsed).count() << '\n';
+    std::cout << accepted << ' ' << nanosecondsSince(begin) << '\n';
     return reply == expected ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 

@@ -1,4 +1,7 @@
-"""The service, its limits and its peer, each started in a cell and put under load."""
+"""The service, its limits and its peer, each started in a cell and put under load.
+
+A contender is one of the names below, or the path of a service program from another build.
+"""
 import subprocess
 import sys
 from contextlib import contextmanager
@@ -24,6 +27,8 @@ class ReplyError(Exception):
 
 def command_of(contender, files):
     """The command line of a contender; `files` is where its scenario was written."""
+    if isinstance(contender, Path):
+        return [str(contender)]
     if contender == SERVICE:
         return [str(PROGRAMS / "reticled")]
     if contender == PEER:
@@ -39,13 +44,13 @@ def process_name(contender):
 
 
 class Load:
-    """The load generator of one contender."""
+    """The load generator of one contender, with this many connections."""
 
-    def __init__(self, contender, cell, files):
+    def __init__(self, contender, cell, files, connections):
         self._contender = contender
         self._process = cell.start(
             [str(PROGRAMS / "bench-load"), str(files / "request"), str(files / "reply"),
-             str(MOST_CONNECTIONS)], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+             str(connections)], stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self._read()
 
     def run(self, connections, requests):
@@ -87,9 +92,9 @@ def started_rtos(files):
 
 
 @contextmanager
-def started(contender, files):
+def started(contender, files, connections=MOST_CONNECTIONS):
     """A contender in a cell of its own. Yields the load generator and the contender's process."""
     with started_rtos(files) as cell:
         cell.start(command_of(contender, files), stdout=subprocess.DEVNULL,
                    stdin=subprocess.DEVNULL)
-        yield Load(contender, cell, files), cell.find(process_name(contender))
+        yield Load(contender, cell, files, connections), cell.find(process_name(contender))

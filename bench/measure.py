@@ -10,7 +10,7 @@ from dataclasses import dataclass
 
 import contenders as who
 import scenarios
-from cell import poll_until
+from cell import PATIENCE_S, poll_until
 
 PIPELINED_REQUESTS = 5
 DESCRIPTOR_LIMITS = (1024, 1048576)
@@ -95,10 +95,18 @@ def _first_wait(arrivals):
     return (arrivals[1] - arrivals[0]) / 1e6
 
 
-def start_up(files, plan):
-    """Milliseconds from start to first reply, by contender and descriptor limit."""
+@dataclass(frozen=True)
+class Start:
+    """How long after the start of a program something had happened."""
+
+    accepted_ms: float  # its first connection
+    replied_ms: float
+
+
+def start_up(contenders, files, plan):
+    """Each `Start`, by contender and descriptor limit."""
     scenarios.ACTIVATE.write(files)
-    names = [(name, limit) for name in (who.SERVICE, who.RELAY) for limit in DESCRIPTOR_LIMITS]
+    names = [(name, limit) for name in contenders for limit in DESCRIPTOR_LIMITS]
     times = {name: [] for name in names}
     for number in range(plan.starts):
         for name in names if number % 2 == 0 else reversed(names):
@@ -118,7 +126,7 @@ def _start_up_once(contender, limit, files):
         output = process.stdout.readline()
         if process.wait() != 0:
             raise who.ReplyError(f"{contender} started with a wrong reply, or none")
-        return int(output) / 1e6
+        return Start(*(int(word) / 1e6 for word in output.split()))
 
 
 def _with_descriptor_limit(limit):
@@ -130,16 +138,25 @@ def _with_descriptor_limit(limit):
     return [], {"LD_PRELOAD": preloaded, "OPEN_MAX": str(limit)}
 
 
-def memory(contender, files):
-    """Resident KB at rest, and what each silent client adds."""
+@dataclass(frozen=True)
+class Memory:
+    """Of a contender at rest, in the kernel's KB of 1024 bytes."""
+
+    resident_kb: int
+    private_kb: int
+    client_kb: float  # resident, for each silent client
+
+
+def memory(contender, files, connections=who.MOST_CONNECTIONS):
+    """The memory after one request, with this many clients connected."""
     scenarios.ACTIVATE.write(files)
-    with who.started(contender, files) as (load, process):
+    with who.started(contender, files, connections) as (load, process):
         load.run(1, 1)
-        rest = process.memory_kb("VmRSS")
+        rest, private = process.memory_kb("VmRSS"), process.private_kb()
         threads = process.threads()
         load.add_silent(SILENT_CLIENTS)
         poll_until(lambda: process.threads() == threads + SILENT_CLIENTS)
-        return rest, (process.memory_kb("VmRSS") - rest) / SILENT_CLIENTS
+        return Memory(rest, private, (process.memory_kb("VmRSS") - rest) / SILENT_CLIENTS)
 
 
 def peak_memory(contender, files):
@@ -150,15 +167,59 @@ def peak_memory(contender, files):
         return process.memory_kb("VmHWM")
 
 
-def idle(files, plan):
-    """Microseconds of CPU and context switches of the service while its clients are silent."""
+def check_replies(contender, files):
+    """Has every command answered once.
+
+    Raises ReplyError where a reply is lost or differs from the expected bytes.
+    """
+    for scenario in scenarios.SCENARIOS:
+        scenario.write(files / scenario.name)
+        with who.started(contender, files / scenario.name, 1) as (load, _):
+            load.run(1, 1)
+
+
+def check_failing_start(foreground, files):
+    """Starts the service in the foreground where its port is taken.
+
+    Raises ReplyError where it does not end with status 0.
+    """
     scenarios.ACTIVATE.write(files)
-    with who.started(who.SERVICE, files) as (load, process):
-        load.run(who.MOST_CONNECTIONS, who.MOST_CONNECTIONS)
-        poll_until(lambda: _is_at_rest(process))
-        cpu, switches = process.cpu_ns(), process.context_switches()
+    with who.started_rtos(files) as cell:
+        cell.start(who.command_of(who.RELAY, files), stdin=subprocess.DEVNULL,
+                   stdout=subprocess.DEVNULL)
+        who.Load(who.RELAY, cell, files, 1)
+        service = cell.start([str(foreground)], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        if status := service.wait(PATIENCE_S):
+            raise who.ReplyError(f"{foreground}, its port taken, ended with status {status}")
+
+
+@dataclass(frozen=True)
+class Effort:
+    """Of a process, since its start or between two moments."""
+
+    cpu_us: float
+    switches: int
+
+    @classmethod
+    def of(cls, process):
+        return cls(process.cpu_ns() / 1e3, process.context_switches())
+
+    def since(self, before):
+        return Effort(self.cpu_us - before.cpu_us, self.switches - before.switches)
+
+
+def idle(contenders, files, plan):
+    """The effort of each contender, all at the same time, while its clients are silent."""
+    scenarios.ACTIVATE.write(files)
+    with ExitStack() as stack:
+        processes = {}
+        for name in contenders:
+            load, processes[name] = stack.enter_context(who.started(name, files))
+            load.run(who.MOST_CONNECTIONS, who.MOST_CONNECTIONS)
+        poll_until(lambda: all(_is_at_rest(process) for process in processes.values()))
+        before = {name: Effort.of(process) for name, process in processes.items()}
         time.sleep(plan.idle_s)  # the measurement itself
-        return (process.cpu_ns() - cpu) / 1e3, process.context_switches() - switches
+        return {name: Effort.of(process).since(before[name]) for name, process in processes.items()}
 
 
 def _is_at_rest(process):

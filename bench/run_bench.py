@@ -5,8 +5,6 @@ lost and wrong replies only, never times.
 """
 import argparse
 import json
-import os
-import platform
 import re
 import shutil
 import subprocess
@@ -14,10 +12,11 @@ import sys
 from pathlib import Path
 
 import contenders as who
+import machine
 import measure
 import report
 import scenarios
-from cell import CORE, ROOT, Cell
+from cell import ROOT, Cell
 
 OUTPUT = ROOT / "build" / "bench"
 
@@ -85,7 +84,8 @@ class Run:
         self.figures["the same, limit-relay"] = measure.pipelining(who.RELAY, files, self._plan)
 
     def _start_up(self, files):
-        times = measure.start_up(files, self._plan)
+        starts = measure.start_up((who.SERVICE, who.RELAY), files, self._plan)
+        times = {name: [start.replied_ms for start in samples] for name, samples in starts.items()}
         for limit in measure.DESCRIPTOR_LIMITS:
             ours, relays = times[who.SERVICE, limit], times[who.RELAY, limit]
             self.figures[f"start-up to first reply, {limit} descriptors"] = ours
@@ -96,41 +96,31 @@ class Run:
             times[who.SERVICE, many], times[who.SERVICE, few])
 
     def _memory(self, files):
-        rest, client = measure.memory(who.SERVICE, files)
-        _, relays_client = measure.memory(who.RELAY, files)
+        ours = measure.memory(who.SERVICE, files)
+        relays = measure.memory(who.RELAY, files)
         peak = measure.peak_memory(who.SERVICE, files)
         limits_peak = measure.peak_memory(who.LIMIT, files)
-        self.figures["resident memory at rest"] = [rest]
-        self.figures["resident memory for each silent client"] = [client]
-        self.figures["the same / limit-relay"] = [client / relays_client]
+        self.figures["resident memory at rest"] = [ours.resident_kb]
+        self.figures["resident memory for each silent client"] = [ours.client_kb]
+        self.figures["the same / limit-relay"] = [ours.client_kb / relays.client_kb]
         self.figures["peak memory of the 50 x 100 KB list"] = [peak]
         self.figures["the same / limit-work"] = [peak / limits_peak]
 
     def _idle(self, files):
-        cpu, switches = measure.idle(files, self._plan)
-        self.figures["CPU time while idle"] = [cpu]
-        self.figures["context switches while idle"] = [switches]
+        effort = measure.idle((who.SERVICE,), files, self._plan)[who.SERVICE]
+        self.figures["CPU time while idle"] = [effort.cpu_us]
+        self.figures["context switches while idle"] = [effort.switches]
 
     def _pieces(self, files):
         self.pieces = measure.pieces(files, self._plan)
-
-
-def describe_machine():
-    model = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text())
-    commit = subprocess.run(["git", "-C", ROOT, "describe", "--always", "--dirty"],
-                            capture_output=True, text=True, check=False).stdout.strip()
-    return {"cpu": model.group(1) if model else platform.machine(), "cores": os.cpu_count(),
-            "pinned_to": CORE, "kernel": platform.release(), "python": platform.python_version(),
-            "commit": commit, "load_before": os.getloadavg()[0]}
 
 
 def build():
     subprocess.run([ROOT / "scripts" / "build", "release", "bench"], check=True, stdout=sys.stderr)
 
 
-def print_tables(runs, machine):
-    print("Machine: {cpu}, {cores} cores, all pinned to core {pinned_to}, Linux {kernel}, "
-          "Python {python}, commit {commit}, load {load_before:.1f}".format(**machine))
+def print_tables(runs, conditions):
+    print(machine.line(conditions))
     tables = (report.load_table([run.loads for run in runs if run.loads]),
               report.figure_table([run.figures for run in runs]),
               report.piece_table([run.pieces for run in runs if run.pieces]))
@@ -143,15 +133,15 @@ def print_tables(runs, machine):
 def main():
     arguments = parse_arguments()
     build()
-    machine = describe_machine()
+    conditions = machine.describe()
     Cell.is_realtime = arguments.realtime
     plan = measure.QUICK if arguments.quick else measure.FULL
     runs = [Run(plan, arguments.only).measure() for _ in range(arguments.runs)]
-    print_tables(runs, machine)
+    print_tables(runs, conditions)
     kept = [{"loads": run.loads, "figures": run.figures, "pieces_ns": run.pieces,
              "errors": run.errors} for run in runs]
     (OUTPUT / "result.json").write_text(
-        json.dumps({"arguments": sys.argv[1:], "machine": machine, "runs": kept}, indent=1))
+        json.dumps({"arguments": sys.argv[1:], "machine": conditions, "runs": kept}, indent=1))
     errors = [error for run in runs for error in run.errors]
     print("Lost or wrong replies: " + ("; ".join(errors) if errors else "none"))
     return 1 if errors else 0
