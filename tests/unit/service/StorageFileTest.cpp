@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <future>
 #include <string>
@@ -44,6 +45,14 @@ TEST_F(StorageFileTest, FileWithoutASizeIsReadToItsEnd) {
     auto written =
         std::async(std::launch::async, [&] { std::ofstream("/tmp/FL0/fifo") << content; });
     EXPECT_TRUE(StorageFile("/tmp/FL0/fifo").readAll() == content);
+}
+
+// Its time does not fit into 32 bits, nor does a 32-bit system tell its size.
+TEST_F(StorageFileTest, FileChangedAfter2038IsReadWhole) {
+    const std::string content(200'000, 'x');
+    flash.write("file", content);
+    ASSERT_EQ(std::system("touch -d 2040-01-01 /tmp/FL0/file"), 0);
+    EXPECT_TRUE(StorageFile("/tmp/FL0/file").readAll() == content);
 }
 
 TEST_F(StorageFileTest, NoDescriptorIsKept) {
