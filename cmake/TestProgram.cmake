@@ -1,3 +1,6 @@
+# How long a test program may take to list its tests: under an emulator on a busy machine it takes seconds.
+set(LISTING_TIMEOUT_S 60)
+
 # Makes a test program cheap to compile: its own code need not be fast (sanitizers make optimising it
 # dear), and the framework's header, half of what a test costs, is compiled once.
 function(compile_quickly program)
