@@ -85,10 +85,13 @@ endif()
 set(CMAKE_UNITY_BUILD_BATCH_SIZE 0)
 
 # Compiles a target's files as one where the build type is not for work on a single file: the headers that its files
-# share cost more than the files themselves.
+# share cost more than the files themselves. Its code need not be fast where sanitizers make optimising it dear.
 function(compile_together target)
     if(NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
+    endif()
+    if(SANITIZERS AND NOT SANITIZERS MATCHES "fuzzer")
+        target_compile_options(${target} PRIVATE -O0)
     endif()
 endfunction()
 

@@ -1,7 +1,26 @@
+# How long a test program may take to list its tests: under an emulator on a busy machine it takes seconds.
+set(LISTING_TIMEOUT_S 60)
+
 # Makes a test program cheap to compile: its own code need not be fast, and optimising it costs more than it saves.
 function(compile_quickly program)
     compile_together(${program})
     # Pieces that the cores share, and whose files do not hide each other's names.
     set_target_properties(${program} PROPERTIES UNITY_BUILD_BATCH_SIZE 12)
     target_compile_options(${program} PRIVATE -O0 -U_FORTIFY_SOURCE -Wno-shadow)
+endfunction()
+
+# Sets `result` to the path by which tests start `program`: its own or, where this machine cannot run it, that of
+# a script that starts it under the emulator. The process keeps the program's name, which tests look for.
+function(path_to_run result program)
+    set(path $<TARGET_FILE:${program}>)
+    if(CMAKE_CROSSCOMPILING)
+        set(script ${CMAKE_CURRENT_BINARY_DIR}/emulated/${program})
+        set(emulator ${CMAKE_CURRENT_BINARY_DIR}/emulated/emulator/${program})
+        file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/emulated/emulator)
+        file(CREATE_LINK ${CMAKE_CROSSCOMPILING_EMULATOR} ${emulator} SYMBOLIC)
+        file(GENERATE OUTPUT ${script} CONTENT "#!/bin/sh\nexec '${emulator}' '${path}' \"$@\"\n"
+             FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+        set(path ${script})
+    endif()
+    set(${result} ${path} PARENT_SCOPE)
 endfunction()

@@ -152,7 +152,7 @@ void Round::_compareResources(const Resources& before, Balance& balance, std::os
         const Resources now = _resources();
         // A lost link has given its descriptor back.
         return now.threads == before.threads && now.descriptors <= before.descriptors &&
-               (programs::ARE_SANITIZED ||
+               (programs::HAVE_OVERHEAD ||
                 now.residentBytes <= before.residentBytes + GIVEN_BACK_WITHIN_BYTES);
     });
     const Resources after = _resources();

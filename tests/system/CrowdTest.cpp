@@ -56,7 +56,7 @@ protected:
             const auto before = service.info().processorTime();
             std::this_thread::sleep_for(INTERVAL);
             used = service.info().processorTime() - before;
-            if (programs::ARE_SANITIZED || used < INTERVAL / ALLOWED_SHARE) {
+            if (programs::HAVE_OVERHEAD || used < INTERVAL / ALLOWED_SHARE) {
                 return;
             }
         }

@@ -18,7 +18,7 @@
 namespace {
 
 constexpr int CLIENTS = 64;
-constexpr int REQUESTS_PER_CLIENT = programs::ARE_SANITIZED ? 100 : 1000;
+constexpr int REQUESTS_PER_CLIENT = programs::HAVE_OVERHEAD ? 100 : 1000;
 /// One less than the queues hold: no request and no reply is dropped.
 constexpr int MAX_WAITING = 14;
 

@@ -14,7 +14,8 @@ inline const std::string RETICLECTL{RETICLECTL_PROGRAM};
 inline const std::string SOURCE_DIRECTORY{PROJECT_SOURCE_DIRECTORY};
 inline const std::string BUILD_DIRECTORY{PROJECT_BUILD_DIRECTORY};
 
-/// A sanitizer keeps memory of its own: resident sizes then say nothing about the service.
-inline constexpr bool ARE_SANITIZED = PROGRAMS_ARE_SANITIZED != 0;
+/// A sanitizer or an emulator takes memory and time of its own: resident sizes and shares of the
+/// processor then say nothing about the service.
+inline constexpr bool HAVE_OVERHEAD = PROGRAMS_HAVE_OVERHEAD != 0;
 
 }  // namespace programs

@@ -53,7 +53,7 @@ protected:
     }
 
     void expectMemoryGivenBack() const {
-        if (programs::ARE_SANITIZED) {
+        if (programs::HAVE_OVERHEAD) {
             return;
         }
         EXPECT_TRUE(eventually([this] {
@@ -70,7 +70,7 @@ TEST_F(ResourcesTest, IdleClientsCostLittleAndNothingWhenTheyAreGone) {
     {
         std::list<FrameClient> clients;
         connect(clients, IDLE_CLIENTS);
-        if (!programs::ARE_SANITIZED) {
+        if (!programs::HAVE_OVERHEAD) {
             EXPECT_LT(service.info().residentBytes(),
                       residentAtRest + IDLE_CLIENTS * BYTES_PER_IDLE_CLIENT);
         }
@@ -87,7 +87,7 @@ TEST_F(ResourcesTest, AnnouncedBodyCostsNothingBeforeItsBytesArrive) {
     // A later client's request goes the same way; when it is served, the headers have been read.
     FrameClient later;
     expectServed(later, rtos);
-    if (!programs::ARE_SANITIZED) {
+    if (!programs::HAVE_OVERHEAD) {
         EXPECT_LT(service.info().residentBytes(),
                   residentAtRest + IDLE_CLIENTS * BYTES_PER_IDLE_CLIENT);
     }

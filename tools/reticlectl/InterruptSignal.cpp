@@ -47,7 +47,9 @@ bool InterruptSignal::waitFor(std::chrono::nanoseconds time) const {
     using std::chrono::seconds;
     const nanoseconds left = std::max(time, nanoseconds::zero());
     const auto wholeSeconds = std::chrono::floor<seconds>(left);
-    const timespec bound{wholeSeconds.count(), (left - wholeSeconds).count()};
+    // On 32-bit systems both members are narrower than what durations count.
+    const timespec bound{static_cast<decltype(timespec::tv_sec)>(wholeSeconds.count()),
+                         static_cast<decltype(timespec::tv_nsec)>((left - wholeSeconds).count())};
     pollfd entry{_descriptor, POLLIN, 0};
     return ::ppoll(&entry, 1, &bound, nullptr) > 0;
 }

@@ -58,16 +58,19 @@ void __wrap__ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE(
     __real__ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE(condition, lock);
 }
 
-void* __real__Znwm(std::size_t bytes);
+// What std::size_t is called within the names of the two operators differs by platform.
+void* realNew(std::size_t bytes) asm("__real__Znw" SIZE_LETTER);
+void* wrappedNew(std::size_t bytes) asm("__wrap__Znw" SIZE_LETTER);
 
-void* __wrap__Znwm(std::size_t bytes) {
-    return seams::allocate(bytes, __real__Znwm);
+void* wrappedNew(std::size_t bytes) {
+    return seams::allocate(bytes, realNew);
 }
 
-void* __real__Znam(std::size_t bytes);
+void* realArrayNew(std::size_t bytes) asm("__real__Zna" SIZE_LETTER);
+void* wrappedArrayNew(std::size_t bytes) asm("__wrap__Zna" SIZE_LETTER);
 
-void* __wrap__Znam(std::size_t bytes) {
-    return seams::allocate(bytes, __real__Znam);
+void* wrappedArrayNew(std::size_t bytes) {
+    return seams::allocate(bytes, realArrayNew);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <future>
 #include <string>
@@ -71,6 +72,14 @@ TEST_F(StorageFileTest, ReadThatASignalInterruptsIsDoneAgain) {
     reader.join();
     sigaction(SIGUSR1, &original, nullptr);
     EXPECT_EQ(read, "content");
+}
+
+// Its time does not fit into 32 bits, nor does a 32-bit system tell its size.
+TEST_F(StorageFileTest, FileChangedAfter2038IsReadWhole) {
+    const std::string content(200'000, 'x');
+    flash.write("file", content);
+    ASSERT_EQ(std::system("touch -d 2040-01-01 /tmp/FL0/file"), 0);
+    EXPECT_TRUE(StorageFile("/tmp/FL0/file").readAll() == content);
 }
 
 TEST_F(StorageFileTest, NoDescriptorIsKept) {
