@@ -106,7 +106,7 @@ TEST_F(HostileBodyTest, LargestBodyOfEachKindIsAnsweredOrRefused) {
 /// An eighth of that size, less under the sanitizers: the whole takes two gigabytes and longer than a
 /// wait's bound on a machine that has other things to do.
 TEST_F(HostileBodyTest, LargeChangesOfEachKindAreAnswered) {
-    constexpr std::size_t LARGE_BODY_BYTES = programs::ARE_SANITIZED ? 131072 : 524288;
+    constexpr std::size_t LARGE_BODY_BYTES = programs::HAVE_OVERHEAD ? 131072 : 524288;
     for (const HostileText& hostile : hostileChanges(LARGE_BODY_BYTES)) {
         SCOPED_TRACE(hostile.kind);
         expectHandled(hostile);
