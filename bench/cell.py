@@ -72,19 +72,21 @@ class Cell:
             text=True, **options)
 
     def find(self, name):
-        """The process called `name` inside, seen from outside."""
+        """The process called `name` inside, seen from outside: of a daemon, the one that stays."""
         return poll_until(lambda: self._look_for(name))
 
     def _look_for(self, name):
         space = os.readlink(f"/proc/{self._init}/ns/pid")
+        found = []
         for path in Path("/proc").glob("[0-9]*"):
             try:
                 os.readlink(path / "exe")  # fails for those that have ended and wait to be reaped
                 if os.readlink(path / "ns/pid") == space and (path / "comm").read_text() == name + "\n":
-                    return Process(path)
+                    found.append(path)
             except OSError:
                 continue  # gone meanwhile
-        return None
+        # A daemon's parents start before it, and may not have ended yet.
+        return Process(max(found, key=lambda path: int(path.name))) if found else None
 
 
 class Process:

@@ -15,6 +15,7 @@ from cell import PATIENCE_S, poll_until
 PIPELINED_REQUESTS = 5
 DESCRIPTOR_LIMITS = (1024, 1048576)
 SILENT_CLIENTS = 200
+CLIENTS_AT_ONCE = 5  # below what the service lets wait: who is turned away tries again after a second
 PEAK_LISTS = 5
 
 
@@ -154,8 +155,9 @@ def memory(contender, files, connections=who.MOST_CONNECTIONS):
         load.run(1, 1)
         rest, private = process.memory_kb("VmRSS"), process.private_kb()
         threads = process.threads()
-        load.add_silent(SILENT_CLIENTS)
-        poll_until(lambda: process.threads() == threads + SILENT_CLIENTS)
+        for expected in range(threads, threads + SILENT_CLIENTS, CLIENTS_AT_ONCE):
+            load.add_silent(CLIENTS_AT_ONCE)
+            poll_until(lambda at_least=expected + CLIENTS_AT_ONCE: process.threads() >= at_least)
         return Memory(rest, private, (process.memory_kb("VmRSS") - rest) / SILENT_CLIENTS)
 
 
