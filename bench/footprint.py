@@ -11,7 +11,6 @@ import sys
 from contextlib import contextmanager
 from dataclasses import dataclass, replace
 
-import contenders as who
 import machine
 import measure
 import report
@@ -27,6 +26,11 @@ KB = 1000  # of the table; the kernel counts memory in 1024 bytes
 KERNEL_KB = 1024 / KB
 
 SIZE_GOALS_KB = {"release": 220, "minimal": 150, "static": 1600}
+START_UP_GOAL_MS = 5
+RESIDENT_GOAL_KB = 4500
+PRIVATE_GOAL_KB = 600
+CLIENT_GOAL_KB = 20
+IDLE_GOAL = 0
 
 EVERYWHERE = {"libc", "libm"}  # in every image
 SHARED = EVERYWHERE | {"libgcc_s", "libjsoncpp", "libstdc++"}
@@ -117,7 +121,7 @@ def measure_start_up(programs, plan):
     for limit in measure.DESCRIPTOR_LIMITS:
         samples = {preset: [start.accepted_ms for start in starts[program, limit]]
                    for preset, program in programs.items()}
-        yield Figure(f"start-up with {limit} descriptors", "ms", samples, everywhere(5))
+        yield Figure(f"start-up with {limit} descriptors", "ms", samples, everywhere(START_UP_GOAL_MS))
 
 
 def measure_memory(programs, plan):
@@ -126,9 +130,9 @@ def measure_memory(programs, plan):
         # One at a time: pages of a program that runs twice are nobody's own.
         with scratch() as files:
             samples[preset] = [measure.memory(program, files, 1) for _ in range(plan.starts)]
-    for name, field, goal in (("resident memory at rest", "resident_kb", 4500),
-                              ("private memory at rest", "private_kb", 600),
-                              ("resident memory for each idle client", "client_kb", 20)):
+    for name, field, goal in (("resident memory at rest", "resident_kb", RESIDENT_GOAL_KB),
+                              ("private memory at rest", "private_kb", PRIVATE_GOAL_KB),
+                              ("resident memory for each idle client", "client_kb", CLIENT_GOAL_KB)):
         yield Figure(name, "KB", {preset: [getattr(memory, field) * KERNEL_KB for memory in memories]
                                   for preset, memories in samples.items()}, everywhere(goal))
 
@@ -146,7 +150,7 @@ def measure_idle(programs, plan):
         efforts = measure.idle(programs.values(), files, plan)
     for name, unit, field in ("context switches", "", "switches"), ("CPU time", "µs", "cpu_us"):
         values = {preset: getattr(efforts[program], field) for preset, program in programs.items()}
-        yield Figure(f"{name} in {plan.idle_s} idle s", unit, single(values), everywhere(0))
+        yield Figure(f"{name} in {plan.idle_s} idle s", unit, single(values), everywhere(IDLE_GOAL))
 
 
 def check_behaviour(programs):

@@ -12,6 +12,10 @@ install(
     DESTINATION ${SYSTEMD_DIRECTORY}/systemd/system
     COMPONENT service)
 install(
+    FILES packaging/systemd-preset/90-reticled.preset
+    DESTINATION ${SYSTEMD_DIRECTORY}/systemd/system-preset
+    COMPONENT service)
+install(
     FILES packaging/sysusers.d/reticled.conf
     DESTINATION ${SYSTEMD_DIRECTORY}/sysusers.d
     COMPONENT service)

@@ -10,8 +10,11 @@
 container_root=/run/container/root
 boot_patience=120
 
+# Also where a command's output is thrown away while it is tried again, failures are told.
+exec 3>&2
+
 fail() {
-    echo "FAILED: $*" >&2
+    echo "FAILED: $*" >&3
     exit 1
 }
 

@@ -1,6 +1,5 @@
-// In place of libc's pthread_once, where libgcc is linked in: an exception that leaves libc's own, as
-// that of a component that cannot start does, is there handed to the shared libgcc, which knows nothing
-// of it and aborts, or is missing.
+// libc's own hands an exception that leaves the routine to the shared libgcc, which knows nothing of it where
+// another is linked in: the process aborts. A component that cannot start throws just so.
 #include <pthread.h>
 
 #include <atomic>

@@ -103,7 +103,7 @@ TEST_F(HostileBodyTest, LargestBodyOfEachKindIsAnsweredOrRefused) {
     }
 }
 
-/// An eighth of that size, less under the sanitizers: the whole takes two gigabytes and longer than a
+/// An eighth of that size, less under sanitizers and the emulator: the whole takes two gigabytes and longer than a
 /// wait's bound on a machine that has other things to do.
 TEST_F(HostileBodyTest, LargeChangesOfEachKindAreAnswered) {
     constexpr std::size_t LARGE_BODY_BYTES = programs::HAVE_OVERHEAD ? 131072 : 524288;
