@@ -19,7 +19,7 @@ fail() {
 }
 
 not_tested() {
-    echo "NOT TESTED: $world_name: $*" >&2
+    echo "NOT TESTED: $world_name: $*" >&3
     exit 77
 }
 
