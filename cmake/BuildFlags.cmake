@@ -13,7 +13,7 @@ add_compile_options(
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     add_compile_options(-Wduplicated-cond -Wduplicated-branches -Wlogical-op)
 elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    # Who holds which lock, from the annotations of net/CheckedMutex.h; "beta" adds the order of locks.
+    # Who holds which lock, from the annotations of base/CheckedMutex.h; "beta" adds the order of locks.
     add_compile_options(-Wthread-safety -Wthread-safety-beta)
 endif()
 if(CMAKE_UNITY_BUILD)

@@ -2,8 +2,8 @@
 
 #include <iostream>
 
+#include "base/Log.h"
 #include "commands/JsonRtosBuilderList.h"
-#include "service/Log.h"
 
 namespace reticled {
 namespace {

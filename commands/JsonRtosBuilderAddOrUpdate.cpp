@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "service/Log.h"
+#include "base/Log.h"
 
 namespace reticled {
 namespace {

@@ -3,8 +3,8 @@
 #include <iostream>
 #include <utility>
 
+#include "base/Log.h"
 #include "processing/JsonRetriever.h"
-#include "service/Log.h"
 
 namespace reticled {
 

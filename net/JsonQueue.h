@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "net/CheckedMutex.h"
+#include "base/CheckedMutex.h"
 
 namespace reticled {
 

@@ -11,8 +11,8 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "base/Log.h"
 #include "net/FrameSender.h"
-#include "service/Log.h"
 
 namespace reticled {
 namespace {

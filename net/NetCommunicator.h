@@ -6,10 +6,10 @@
 #include <string>
 #include <thread>
 
+#include "base/SingleInstance.h"
 #include "net/PacketStorage.h"
 #include "processing/JsonRetriever.h"
 #include "processing/PacketsHandler.h"
-#include "service/SingleInstance.h"
 
 namespace reticled {
 

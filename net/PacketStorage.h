@@ -3,9 +3,9 @@
 #include <map>
 #include <memory>
 
+#include "base/SingleInstance.h"
 #include "net/JsonQueue.h"
 #include "net/Packet.h"
-#include "service/SingleInstance.h"
 
 namespace reticled {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "base/SingleInstance.h"
 #include "commands/JsonHandler.h"
-#include "service/SingleInstance.h"
 
 namespace reticled {
 

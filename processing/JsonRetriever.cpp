@@ -5,9 +5,9 @@
 #include <numeric>
 #include <stdexcept>
 
+#include "base/Log.h"
 #include "processing/ActionNames.h"  // intended: this unit's copy of the table is read by nobody
 #include "processing/JsonText.h"
-#include "service/Log.h"
 
 namespace reticled {
 namespace {

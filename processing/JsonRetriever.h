@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "base/SingleInstance.h"
 #include "processing/Vocabulary.h"
-#include "service/SingleInstance.h"
 
 namespace reticled {
 

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-#include "service/Log.h"
+#include "base/Log.h"
 
 namespace reticled {
 PacketsHandler::PacketsHandler()

@@ -4,9 +4,9 @@
 #include <memory>
 #include <thread>
 
+#include "base/SingleInstance.h"
 #include "net/PacketStorage.h"
 #include "processing/JsonHandlerDirector.h"
-#include "service/SingleInstance.h"
 
 namespace reticled {
 

@@ -2,10 +2,10 @@
 #include <iostream>
 #include <string_view>
 
+#include "base/Log.h"
 #include "commands/JsonNetBuilder.h"
 #include "reticles/FlashPaths.h"
 #include "reticles/StorageFile.h"
-#include "service/Log.h"
 
 namespace reticled {
 namespace {

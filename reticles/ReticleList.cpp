@@ -2,12 +2,12 @@
 #include <iostream>
 #include <utility>
 
+#include "base/Log.h"
 #include "commands/JsonNetBuilder.h"
 #include "processing/JsonRetriever.h"
 #include "processing/JsonText.h"
 #include "reticles/FlashPaths.h"
 #include "reticles/StorageFile.h"
-#include "service/Log.h"
 
 namespace reticled {
 namespace {

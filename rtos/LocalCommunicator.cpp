@@ -9,7 +9,7 @@
 #include <iostream>
 #include <stdexcept>
 
-#include "service/Log.h"
+#include "base/Log.h"
 
 namespace reticled {
 

@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "base/SingleInstance.h"
 #include "processing/JsonRetriever.h"
-#include "service/SingleInstance.h"
 
 namespace reticled {
 

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "service/Log.h"
+#include "base/Log.h"
 
 namespace reticled {
 namespace {

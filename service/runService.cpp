@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <iostream>
 
+#include "base/Log.h"
 #include "net/NetCommunicator.h"
-#include "service/Log.h"
 
 namespace reticled {
 namespace {

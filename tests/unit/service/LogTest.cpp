@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "service/Log.h"
+#include "base/Log.h"
 #include "tests/unit/service/OutputCapture.h"
 
 namespace reticled {

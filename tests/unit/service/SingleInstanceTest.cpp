@@ -7,11 +7,11 @@
 #include <thread>
 #include <vector>
 
+#include "base/SingleInstance.h"
 #include "net/PacketStorage.h"
 #include "processing/JsonHandlerDirector.h"
 #include "processing/JsonRetriever.h"
 #include "rtos/LocalCommunicator.h"
-#include "service/SingleInstance.h"
 
 namespace reticled {
 namespace {

@@ -1,4 +1,4 @@
-#include "service/Log.h"
+#include "base/Log.h"
 
 #include <cerrno>
 #include <cstdio>
