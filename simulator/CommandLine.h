@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "simulator/Fault.h"
+#include "simulator/device/Fault.h"
 
 namespace sim {
 

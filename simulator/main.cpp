@@ -11,15 +11,15 @@
 #include <asio/signal_set.hpp>
 
 #include "simulator/CommandLine.h"
-#include "simulator/Device.h"
-#include "simulator/FaultyDevice.h"
-#include "simulator/RecordingDevice.h"
-#include "simulator/ReplayDevice.h"
-#include "simulator/Server.h"
-#include "simulator/ServiceLog.h"
-#include "simulator/SessionReader.h"
-#include "simulator/SessionWriter.h"
-#include "simulator/Storage.h"
+#include "simulator/device/Device.h"
+#include "simulator/device/FaultyDevice.h"
+#include "simulator/device/Storage.h"
+#include "simulator/link/Server.h"
+#include "simulator/log/ServiceLog.h"
+#include "simulator/session/RecordingDevice.h"
+#include "simulator/session/ReplayDevice.h"
+#include "simulator/session/SessionReader.h"
+#include "simulator/session/SessionWriter.h"
 
 namespace {
 

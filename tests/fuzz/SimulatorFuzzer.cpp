@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "simulator/FaultyDevice.h"
-#include "simulator/RequestSplitter.h"
+#include "simulator/device/FaultyDevice.h"
+#include "simulator/link/RequestSplitter.h"
 #include "tests/fuzz/FuzzInput.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/support/FlashFiles.h"

@@ -7,7 +7,7 @@
 #include <optional>
 #include <utility>
 
-#include "simulator/JsonText.h"
+#include "simulator/base/JsonText.h"
 
 namespace {
 

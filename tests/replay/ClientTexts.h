@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/Session.h"
+#include "simulator/session/Session.h"
 
 /// The requests of clients that lead to the exchanges of `session`: those that it holds, or else
 /// those that the service's own requests tell of.

@@ -5,9 +5,9 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "simulator/SessionReader.h"
-#include "simulator/SessionWriter.h"
-#include "simulator/StepReader.h"
+#include "simulator/session/SessionReader.h"
+#include "simulator/session/SessionWriter.h"
+#include "simulator/session/StepReader.h"
 #include "tests/replay/ClientTexts.h"
 #include "tests/system/Programs.h"
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "simulator/Device.h"
-#include "simulator/FactoryReticles.h"
-#include "simulator/JsonText.h"
-#include "simulator/Storage.h"
+#include "simulator/base/JsonText.h"
+#include "simulator/device/Device.h"
+#include "simulator/device/FactoryReticles.h"
+#include "simulator/device/Storage.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 namespace fs = std::filesystem;

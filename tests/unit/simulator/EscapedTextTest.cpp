@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/EscapedText.h"
+#include "simulator/base/EscapedText.h"
 
 namespace sim {
 namespace {

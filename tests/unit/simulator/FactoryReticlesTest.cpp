@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/FactoryReticles.h"
+#include "simulator/device/FactoryReticles.h"
 
 namespace sim {
 namespace {

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/Fault.h"
+#include "simulator/device/Fault.h"
 
 namespace sim {
 namespace {

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "simulator/Device.h"
-#include "simulator/FactoryReticles.h"
-#include "simulator/FaultyDevice.h"
-#include "simulator/Storage.h"
+#include "simulator/device/Device.h"
+#include "simulator/device/FactoryReticles.h"
+#include "simulator/device/FaultyDevice.h"
+#include "simulator/device/Storage.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 namespace sim {

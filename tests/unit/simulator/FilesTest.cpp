@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "simulator/Files.h"
+#include "simulator/base/Files.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 namespace sim {

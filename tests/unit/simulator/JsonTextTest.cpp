@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/JsonText.h"
+#include "simulator/base/JsonText.h"
 
 namespace sim {
 namespace {

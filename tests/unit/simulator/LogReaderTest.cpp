@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/LogReader.h"
+#include "simulator/log/LogReader.h"
 
 namespace sim {
 namespace {

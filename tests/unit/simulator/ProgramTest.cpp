@@ -10,7 +10,7 @@
 #include <thread>
 #include <vector>
 
-#include "simulator/ReticleList.h"
+#include "simulator/device/ReticleList.h"
 #include "tests/unit/simulator/ChildProcess.h"
 #include "tests/unit/simulator/LoopbackClient.h"
 #include "tests/unit/simulator/TemporaryRoot.h"

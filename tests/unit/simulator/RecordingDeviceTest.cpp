@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-#include "simulator/RecordingDevice.h"
+#include "simulator/session/RecordingDevice.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 namespace sim {

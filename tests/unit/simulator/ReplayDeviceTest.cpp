@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "simulator/ReplayDevice.h"
+#include "simulator/session/ReplayDevice.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 namespace sim {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/ReplyFiles.h"
+#include "simulator/log/ReplyFiles.h"
 
 namespace sim {
 namespace {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "simulator/RequestSplitter.h"
+#include "simulator/link/RequestSplitter.h"
 
 namespace sim {
 namespace {

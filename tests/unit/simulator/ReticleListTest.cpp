@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulator/ReticleList.h"
+#include "simulator/device/ReticleList.h"
 
 namespace sim {
 namespace {

@@ -10,11 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/Device.h"
-#include "simulator/FaultyDevice.h"
-#include "simulator/RequestSplitter.h"
-#include "simulator/Server.h"
-#include "simulator/Storage.h"
+#include "simulator/device/Device.h"
+#include "simulator/device/FaultyDevice.h"
+#include "simulator/device/Storage.h"
+#include "simulator/link/RequestSplitter.h"
+#include "simulator/link/Server.h"
 #include "tests/unit/simulator/LoopbackClient.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 

@@ -3,8 +3,8 @@
 #include <sstream>
 #include <string>
 
-#include "simulator/ServiceLog.h"
-#include "simulator/SessionWriter.h"
+#include "simulator/log/ServiceLog.h"
+#include "simulator/session/SessionWriter.h"
 
 namespace sim {
 namespace {

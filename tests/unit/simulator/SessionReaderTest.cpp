@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/SessionReader.h"
-#include "simulator/SessionWriter.h"
+#include "simulator/session/SessionReader.h"
+#include "simulator/session/SessionWriter.h"
 
 namespace sim {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/StepReader.h"
+#include "simulator/session/StepReader.h"
 
 namespace sim {
 namespace {

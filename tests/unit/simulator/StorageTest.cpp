@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/Storage.h"
+#include "simulator/device/Storage.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 namespace fs = std::filesystem;

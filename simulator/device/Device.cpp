@@ -1,0 +1,180 @@
+#include "simulator/device/Device.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "simulator/base/JsonText.h"
+#include "simulator/device/FactoryReticles.h"
+
+namespace sim {
+
+namespace {
+
+enum MsgId : int {
+    GET_RETICLES = 76,
+    SET_ACTIVE_RETICLE = 77,
+    ADD_RETICLE = 78,
+    UPDATE_RETICLE = 79,
+    DELETE_RETICLE = 80,
+};
+
+/// What the user sees a new reticle in until the device's own menu changes it.
+constexpr const char* DEFAULT_USER_COLOR = "red";
+
+Answer refusal(RetVal retVal, std::string reason) {
+    return {retVal, std::nullopt, std::move(reason)};
+}
+
+Answer noSuchReticle(int index) {
+    return refusal(RETICLE_INDEX_NOT_FOUND, "no reticle has index " + std::to_string(index));
+}
+
+Answer noIndex(const char* key) {
+    return refusal(UNKNOWN_ACTION, std::string("\"") + key + "\" is not an index");
+}
+
+/// Why name and data of an addition or update cannot be used; none when they can.
+std::optional<Answer> checkTexts(const Json::Value& message) {
+    for (const char* key : {"param2_name", "param3_data"}) {
+        if (!message[key].isString()) {
+            return refusal(UNKNOWN_ACTION, std::string("\"") + key + "\" is not a string");
+        }
+    }
+    return std::nullopt;
+}
+
+Answer noSuchData(const Json::Value& message) {
+    return refusal(UNKNOWN_ACTION,
+                   compactJson(message["param3_data"]) + " names no file inside the root");
+}
+
+}  // namespace
+
+Device::Device(Storage& storage, std::size_t maxReticles)
+    : _storage(storage), _maxReticles(maxReticles) {
+    std::optional<ReticleList> saved = storage.load();
+    if (!saved) {
+        restoreFactory(storage);
+        saved = factoryReticles();
+    }
+    _change(std::move(*saved));
+}
+
+void Device::restoreFactory(Storage& storage) {
+    for (const auto& [fileName, text] : factoryReticleTexts()) {
+        storage.writeReticle(fileName, text);
+    }
+    storage.save(factoryReticles());
+}
+
+Answer Device::answer(const Json::Value& request) {
+    if (!request.isArray() || request.size() != 1 || !request[0].isObject()) {
+        return refusal(UNKNOWN_ACTION, "the request is not an array of one object");
+    }
+    const Json::Value& message = request[0];
+    if (!message["msg_id"].isInt()) {
+        return refusal(UNKNOWN_ACTION, "\"msg_id\" is not a number");
+    }
+    switch (message["msg_id"].asInt()) {
+        case GET_RETICLES:
+            return {OK, Storage::LIST_FILE, ""};
+        case SET_ACTIVE_RETICLE:
+            return _setActive(message);
+        case ADD_RETICLE:
+            return _add(message);
+        case UPDATE_RETICLE:
+            return _update(message);
+        case DELETE_RETICLE:
+            return _delete(message);
+        default:
+            return refusal(UNKNOWN_ACTION, "unknown \"msg_id\" " + message["msg_id"].asString());
+    }
+}
+
+Answer Device::_setActive(const Json::Value& message) {
+    if (!message["param"].isInt()) {
+        return noIndex("param");
+    }
+    const int index = message["param"].asInt();
+    ReticleList next = _reticles;
+    if (findReticle(next, index) == next.end()) {
+        return noSuchReticle(index);
+    }
+    for (Reticle& reticle : next) {
+        reticle.isActive = reticle.index == index;
+    }
+    _change(std::move(next));
+    return {};
+}
+
+Answer Device::_add(const Json::Value& message) {
+    if (auto refused = checkTexts(message)) {
+        return *refused;
+    }
+    if (_reticles.size() >= _maxReticles) {
+        return refusal(RETICLES_COUNT_OUT_OF_BOUNDS,
+                       "the device holds " + std::to_string(_reticles.size()) + " reticles");
+    }
+    const auto fileName = _storage.takeNewData(message["param3_data"].asString(), _reticles);
+    if (!fileName) {
+        return noSuchData(message);
+    }
+    const int index = lowestFreeIndex(_reticles);
+    ReticleList next = _reticles;
+    // Below `index` no number is missing, so that it is the new one's place in the list as well.
+    next.insert(next.begin() + index, {index, message["param2_name"].asString(), *fileName,
+                                       DEFAULT_USER_COLOR, true, false});
+    _change(std::move(next));
+    return {};
+}
+
+Answer Device::_update(const Json::Value& message) {
+    if (!message["param1_index"].isInt()) {
+        return noIndex("param1_index");
+    }
+    if (auto refused = checkTexts(message)) {
+        return *refused;
+    }
+    const int index = message["param1_index"].asInt();
+    ReticleList next = _reticles;
+    const auto reticle = findReticle(next, index);
+    if (reticle == next.end()) {
+        return noSuchReticle(index);
+    }
+    const auto fileName = _storage.takeNewData(message["param3_data"].asString(), _reticles);
+    if (!fileName) {
+        return noSuchData(message);
+    }
+    reticle->name = message["param2_name"].asString();
+    reticle->fileName = *fileName;
+    _change(std::move(next));
+    return {};
+}
+
+Answer Device::_delete(const Json::Value& message) {
+    if (!message["param"].isInt()) {
+        return noIndex("param");
+    }
+    const int index = message["param"].asInt();
+    ReticleList next = _reticles;
+    const auto reticle = findReticle(next, index);
+    if (reticle == next.end()) {
+        return noSuchReticle(index);
+    }
+    if (!reticle->isDeletable || reticle->isActive) {
+        return refusal(RETICLE_CANT_BE_DELETED,
+                       "reticle " + std::to_string(index) +
+                           (reticle->isActive ? " is the active one" : " came from the factory"));
+    }
+    next.erase(reticle);
+    _change(std::move(next));
+    return {};
+}
+
+void Device::_change(ReticleList next) {
+    _storage.save(next);
+    _reticles = std::move(next);
+}
+
+}  // namespace sim
