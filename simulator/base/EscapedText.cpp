@@ -1,7 +1,8 @@
 #include "simulator/base/EscapedText.h"
 
+#include <utf8.h>
+
 #include <algorithm>
-#include <bit>
 #include <charconv>
 #include <stdexcept>
 
@@ -17,29 +18,8 @@ constexpr unsigned char DELETE = 0x7F;
 constexpr unsigned HALF_BYTE_BITS = 4;
 constexpr unsigned LOW_HALF = 0x0F;
 
-constexpr int MIN_SEQUENCE_BYTES = 2;
-constexpr int MAX_SEQUENCE_BYTES = 4;
-
 bool isControl(unsigned char byte) {
     return (byte < FIRST_VISIBLE && byte != '\n' && byte != '\t') || byte == DELETE;
-}
-
-bool isContinuation(char byte) {
-    return std::countl_one(static_cast<unsigned char>(byte)) == 1;
-}
-
-/// How many bytes the character at the start of `text` takes in UTF-8; 0 where none begins.
-std::size_t characterSize(std::string_view text) {
-    const int ones = std::countl_one(static_cast<unsigned char>(text.front()));
-    if (ones == 0) {
-        return 1;
-    }
-    const auto size = static_cast<std::size_t>(ones);
-    if (ones < MIN_SEQUENCE_BYTES || ones > MAX_SEQUENCE_BYTES || text.size() < size) {
-        return 0;
-    }
-    const std::string_view rest = text.substr(1, size - 1);
-    return std::all_of(rest.begin(), rest.end(), isContinuation) ? size : 0;
 }
 
 /// Appends what the escape at the start of `text` stands for. \return the size of the escape
@@ -66,14 +46,10 @@ std::size_t appendUnescaped(std::string& result, std::string_view text) {
 }  // namespace
 
 bool isPlainText(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t size = characterSize(text);
-        if (size == 0 || isControl(static_cast<unsigned char>(text.front()))) {
-            return false;
-        }
-        text.remove_prefix(size);
-    }
-    return true;
+    return utf8::is_valid(text.begin(), text.end()) &&
+           std::none_of(text.begin(), text.end(), [](char character) {
+               return isControl(static_cast<unsigned char>(character));
+           });
 }
 
 std::string escaped(std::string_view text) {

@@ -11,7 +11,9 @@ namespace {
 TEST(EscapedText, plainTextIsWhatPeopleSee) {
     EXPECT_TRUE(isPlainText(""));
     EXPECT_TRUE(isPlainText("<svg>\n\t\\x \"ü☂𝔄\"\n"));
-    for (const std::string text : {"\r\n", "\x07", "\x7f", "\xff", "\xc3", "\xe2\x98", "\x80"}) {
+    for (const std::string text : {"\r\n", "\x07", "\x7f", "\xff", "\xc3", "\xe2\x98", "\x80",
+                                   // overlong, a surrogate, above the last character
+                                   "\xc0\x80", "\xed\xa0\x80", "\xf7\xbf\xbf\xbf"}) {
         EXPECT_FALSE(isPlainText("before" + text)) << escaped(text);
         EXPECT_FALSE(isPlainText(text + "after")) << escaped(text);
     }
