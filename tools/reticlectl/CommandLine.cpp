@@ -6,13 +6,13 @@
 #include <CLI/CLI.hpp>
 
 #include "client/Errors.h"
-#include "tools/reticlectl/BracketShield.h"
-#include "tools/reticlectl/Commands.h"
-#include "tools/reticlectl/DisplayText.h"
-#include "tools/reticlectl/Failure.h"
-#include "tools/reticlectl/JsonLine.h"
-#include "tools/reticlectl/SecondsOption.h"
-#include "tools/reticlectl/Session.h"
+#include "tools/reticlectl/commands/BracketShield.h"
+#include "tools/reticlectl/commands/Commands.h"
+#include "tools/reticlectl/commands/SecondsOption.h"
+#include "tools/reticlectl/commands/Session.h"
+#include "tools/reticlectl/outcome/Failure.h"
+#include "tools/reticlectl/outcome/JsonLine.h"
+#include "tools/reticlectl/terminal/DisplayText.h"
 
 namespace reticlectl {
 

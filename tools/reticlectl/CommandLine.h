@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/reticlectl/ExitStatus.h"
-#include "tools/reticlectl/Terminal.h"
+#include "tools/reticlectl/outcome/ExitStatus.h"
+#include "tools/reticlectl/terminal/Terminal.h"
 
 namespace reticlectl {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/Base64.h"
+#include "tools/reticlectl/gallery/Base64.h"
 
 namespace reticlectl {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/BracketShield.h"
+#include "tools/reticlectl/commands/BracketShield.h"
 
 namespace reticlectl {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tools/reticlectl/DisplayText.h"
+#include "tools/reticlectl/terminal/DisplayText.h"
 
 namespace reticlectl {
 

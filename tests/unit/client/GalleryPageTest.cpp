@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/Base64.h"
-#include "tools/reticlectl/GalleryPage.h"
+#include "tools/reticlectl/gallery/Base64.h"
+#include "tools/reticlectl/gallery/GalleryPage.h"
 
 namespace reticlectl {
 

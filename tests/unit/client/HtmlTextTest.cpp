@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/HtmlText.h"
+#include "tools/reticlectl/gallery/HtmlText.h"
 
 namespace reticlectl {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/PingStatistics.h"
+#include "tools/reticlectl/commands/PingStatistics.h"
 
 namespace reticlectl {
 

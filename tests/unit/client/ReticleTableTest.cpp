@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/ReticleTable.h"
+#include "tools/reticlectl/table/ReticleTable.h"
 
 namespace reticlectl {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/SvgPicture.h"
+#include "tools/reticlectl/gallery/SvgPicture.h"
 
 namespace reticlectl {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/Swatch.h"
+#include "tools/reticlectl/table/Swatch.h"
 
 namespace reticlectl {
 

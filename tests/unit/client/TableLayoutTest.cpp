@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tools/reticlectl/TableLayout.h"
+#include "tools/reticlectl/table/TableLayout.h"
 
 namespace reticlectl {
 

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "tools/reticlectl/UploadProgress.h"
+#include "tools/reticlectl/terminal/UploadProgress.h"
 
 namespace reticlectl {
 

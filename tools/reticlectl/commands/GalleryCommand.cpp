@@ -1,0 +1,53 @@
+#include <map>
+#include <memory>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "tools/reticlectl/commands/Commands.h"
+#include "tools/reticlectl/files/OutputFile.h"
+#include "tools/reticlectl/gallery/GalleryPage.h"
+
+namespace reticlectl {
+
+namespace {
+
+struct GalleryArguments {
+    std::string output = STANDARD_OUTPUT;
+    std::string background = "light";
+};
+
+const std::map<std::string, Background>& backgrounds() {
+    static const std::map<std::string, Background> BACKGROUNDS = {
+        {"light", Background::LIGHT}, {"dark", Background::DARK}, {"grey", Background::GREY}};
+    return BACKGROUNDS;
+}
+
+void makeGallery(const Session& session, const GalleryArguments& arguments) {
+    const reticle::Reply reply = session.connect().list();
+    const std::string device = session.host + ":" + std::to_string(session.port);
+    const std::string text =
+        session.wantsJson
+            ? reply.json + '\n'
+            : renderGallery(reply.reticles, device, backgrounds().at(arguments.background));
+    writeText(arguments.output, text, session.out);
+}
+
+}  // namespace
+
+void addGalleryCommand(CLI::App& app, const Session& session) {
+    auto* command =
+        app.add_subcommand("gallery", "Make a web page with the pictures of all reticles");
+    const auto arguments = std::make_shared<GalleryArguments>();
+    command->add_option("--output", arguments->output, "Write to this file instead")
+        ->type_name("FILE.html");
+    command
+        ->add_option("--background", arguments->background,
+                     "What shows first behind the pictures: light, dark or grey")
+        ->type_name("NAME")
+        ->check(CLI::IsMember({"light", "dark", "grey"}))
+        ->capture_default_str();
+    command->callback([&session, arguments] { makeGallery(session, *arguments); });
+}
+
+}  // namespace reticlectl

@@ -1,0 +1,35 @@
+#include <memory>
+#include <string>
+
+#include "tools/reticlectl/commands/Commands.h"
+#include "tools/reticlectl/commands/IndexArgument.h"
+#include "tools/reticlectl/files/InputFile.h"
+
+namespace reticlectl {
+
+namespace {
+
+struct UpdateArguments {
+    int index = 0;
+    std::string name;
+    std::string file;
+};
+
+void update(const Session& session, const UpdateArguments& arguments) {
+    std::string data = readText(arguments.file, session.in);
+    session.print(session.connect().update(arguments.index, arguments.name, std::move(data)));
+}
+
+}  // namespace
+
+void addUpdateCommand(CLI::App& app, const Session& session) {
+    auto* command = app.add_subcommand("update", "Replace a reticle's name and data");
+    const auto arguments = std::make_shared<UpdateArguments>();
+    addIndexArgument(*command, arguments->index);
+    command->add_option("NAME", arguments->name, "Its new name")->required();
+    command->add_option("FILE", arguments->file, "Its new data, UTF-8 text; - is standard input")
+        ->required();
+    command->callback([&session, arguments] { update(session, *arguments); });
+}
+
+}  // namespace reticlectl

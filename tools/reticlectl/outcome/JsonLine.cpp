@@ -1,0 +1,48 @@
+#include "tools/reticlectl/outcome/JsonLine.h"
+
+#include <json/json.h>
+
+namespace reticlectl {
+
+namespace {
+
+const char* nameOf(ExitStatus status) {
+    switch (status) {
+        case ExitStatus::DONE:
+            return "DONE";
+        case ExitStatus::REFUSED:
+            return "REFUSED";
+        case ExitStatus::USAGE:
+            return "USAGE";
+        case ExitStatus::CANNOT_CONNECT:
+            return "CANNOT_CONNECT";
+        case ExitStatus::NO_REPLY:
+            return "NO_REPLY";
+        case ExitStatus::MALFORMED_REPLY:
+            return "MALFORMED_REPLY";
+    }
+    return "";
+}
+
+}  // namespace
+
+std::string toJsonLine(const Json::Value& document) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["emitUTF8"] = true;
+    // Microseconds, where a number is milliseconds.
+    builder["precisionType"] = "decimal";
+    builder["precision"] = 3;
+    return Json::writeString(builder, document);
+}
+
+std::string errorJson(ExitStatus status, const std::string& problem) {
+    Json::Value document;
+    Json::Value& error = document["error"];
+    error["exitStatus"] = static_cast<int>(status);
+    error["kind"] = nameOf(status);
+    error["message"] = problem;
+    return toJsonLine(document);
+}
+
+}  // namespace reticlectl
