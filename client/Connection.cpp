@@ -11,7 +11,7 @@
 #include <memory>
 #include <sstream>
 
-#include "client/Errors.h"
+#include "reticle-client/Errors.h"
 
 namespace reticle {
 

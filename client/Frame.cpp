@@ -4,7 +4,7 @@
 #include <numeric>
 #include <string_view>
 
-#include "client/Errors.h"
+#include "reticle-client/Errors.h"
 
 namespace reticle {
 

@@ -1,4 +1,4 @@
-#include "client/Reply.h"
+#include "reticle-client/Reply.h"
 
 #include <json/json.h>
 
@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "client/Errors.h"
+#include "reticle-client/Errors.h"
 
 namespace reticle {
 

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <utility>
 
-#include "client/Errors.h"
 #include "client/Utf8.h"
+#include "reticle-client/Errors.h"
 
 namespace reticle {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "client/Reticle.h"
+#include "reticle-client/Reticle.h"
 
 namespace reticle {
 

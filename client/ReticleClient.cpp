@@ -1,4 +1,4 @@
-#include "client/ReticleClient.h"
+#include "reticle-client/ReticleClient.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "client/UserColor.h"
+#include "reticle-client/UserColor.h"
 
 #include <algorithm>
 

@@ -8,7 +8,7 @@
 #include <exception>
 #include <string>
 
-#include "client/ReticleClient.h"
+#include "reticle-client/ReticleClient.h"
 #include "tests/fuzz/FuzzInput.h"
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/support/FileDescriptor.h"

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "client/Reply.h"
 #include "client/Request.h"
+#include "reticle-client/Reply.h"
 #include "tests/schema/Schema.h"
 #include "tests/support/FrameClient.h"
 #include "tests/support/ScriptedRtos.h"

@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "client/Errors.h"
+#include "reticle-client/Errors.h"
 #include "tools/reticlectl/commands/BracketShield.h"
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/commands/SecondsOption.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "client/Errors.h"
 #include "client/Frame.h"
+#include "reticle-client/Errors.h"
 #include "tests/unit/client/FakeService.h"
 
 namespace reticle {

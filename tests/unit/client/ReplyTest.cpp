@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "client/Errors.h"
-#include "client/Reply.h"
+#include "reticle-client/Errors.h"
+#include "reticle-client/Reply.h"
 
 namespace reticle {
 

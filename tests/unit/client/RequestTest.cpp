@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "client/Errors.h"
 #include "client/Request.h"
+#include "reticle-client/Errors.h"
 
 namespace reticle {
 

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "client/ReticleClient.h"
+#include "reticle-client/ReticleClient.h"
 #include "tests/unit/client/FakeService.h"
 
 namespace reticle {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "client/UserColor.h"
+#include "reticle-client/UserColor.h"
 
 namespace reticle {
 

@@ -6,7 +6,7 @@
 #include <ostream>
 #include <string>
 
-#include "client/ReticleClient.h"
+#include "reticle-client/ReticleClient.h"
 #include "tools/reticlectl/table/ReticleTable.h"
 #include "tools/reticlectl/terminal/Terminal.h"
 

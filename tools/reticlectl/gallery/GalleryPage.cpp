@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "client/UserColor.h"
+#include "reticle-client/UserColor.h"
 #include "tools/reticlectl/gallery/GalleryStyle.h"
 #include "tools/reticlectl/gallery/HtmlText.h"
 #include "tools/reticlectl/gallery/SvgPicture.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "client/Reticle.h"
+#include "reticle-client/Reticle.h"
 
 namespace reticlectl {
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <limits>
 
-#include "client/UserColor.h"
+#include "reticle-client/UserColor.h"
 #include "tools/reticlectl/table/Swatch.h"
 #include "tools/reticlectl/table/TableLayout.h"
 #include "tools/reticlectl/terminal/DisplayText.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "client/Reticle.h"
+#include "reticle-client/Reticle.h"
 
 namespace reticlectl {
 
@@ -19,7 +19,7 @@ struct TableStyle {
 
 /// The reticles as a table with a head line, one line each, in the given order, columns aligned.
 /// The index is "-" where the device gave none that a command can take, the colour where the data
-/// shows none (see client/UserColor.h). The size is that of the data as it came, colour put in.
+/// shows none (see reticle-client/UserColor.h). The size is that of the data as it came, colour put in.
 /// An empty list gives one line that says so.
 ///
 /// For a given width long colours and names are shortened with an ellipsis; what still does not fit

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "Reply.h"
+#include "reticle-client/Reply.h"
 
 namespace reticle {
 

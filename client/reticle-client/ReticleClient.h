@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "Errors.h"
-#include "Reply.h"
-#include "Reticle.h"
+#include "reticle-client/Errors.h"
+#include "reticle-client/Reply.h"
+#include "reticle-client/Reticle.h"
 
 namespace reticle {
 
