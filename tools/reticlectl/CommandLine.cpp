@@ -8,7 +8,7 @@
 #include "reticle-client/Errors.h"
 #include "tools/reticlectl/commands/BracketShield.h"
 #include "tools/reticlectl/commands/Commands.h"
-#include "tools/reticlectl/commands/SecondsOption.h"
+#include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/commands/Session.h"
 #include "tools/reticlectl/outcome/Failure.h"
 #include "tools/reticlectl/outcome/JsonLine.h"

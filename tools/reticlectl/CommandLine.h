@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/reticlectl/outcome/ExitStatus.h"
+#include "tools/reticlectl/outcome/Failure.h"
 #include "tools/reticlectl/terminal/Terminal.h"
 
 namespace reticlectl {

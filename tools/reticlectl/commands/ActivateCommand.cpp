@@ -1,7 +1,7 @@
 #include <memory>
 
 #include "tools/reticlectl/commands/Commands.h"
-#include "tools/reticlectl/commands/IndexArgument.h"
+#include "tools/reticlectl/commands/NumberArguments.h"
 
 namespace reticlectl {
 

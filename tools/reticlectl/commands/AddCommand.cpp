@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tools/reticlectl/commands/Commands.h"
-#include "tools/reticlectl/files/InputFile.h"
+#include "tools/reticlectl/files/TextFile.h"
 #include "tools/reticlectl/outcome/Failure.h"
 
 namespace reticlectl {
@@ -37,7 +37,7 @@ std::vector<NamedFile> pairUp(const AddArguments& arguments) {
 
 void add(const Session& session, const std::vector<NamedFile>& pairs) {
     const auto readsStandardInput = [](const NamedFile& pair) {
-        return pair.file == STANDARD_INPUT;
+        return pair.file == STANDARD_STREAM;
     };
     if (std::count_if(pairs.begin(), pairs.end(), readsStandardInput) > 1) {
         throw Failure(ExitStatus::USAGE,

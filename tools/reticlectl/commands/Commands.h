@@ -3,7 +3,7 @@
 #include <CLI/App.hpp>
 
 #include "tools/reticlectl/commands/Session.h"
-#include "tools/reticlectl/outcome/ExitStatus.h"
+#include "tools/reticlectl/outcome/Failure.h"
 
 namespace reticlectl {
 

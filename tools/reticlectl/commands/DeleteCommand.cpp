@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "tools/reticlectl/commands/Commands.h"
-#include "tools/reticlectl/commands/IndexArgument.h"
+#include "tools/reticlectl/commands/NumberArguments.h"
 
 namespace reticlectl {
 

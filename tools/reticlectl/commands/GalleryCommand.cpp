@@ -5,7 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/reticlectl/commands/Commands.h"
-#include "tools/reticlectl/files/OutputFile.h"
+#include "tools/reticlectl/files/TextFile.h"
 #include "tools/reticlectl/gallery/GalleryPage.h"
 
 namespace reticlectl {
@@ -13,7 +13,7 @@ namespace reticlectl {
 namespace {
 
 struct GalleryArguments {
-    std::string output = STANDARD_OUTPUT;
+    std::string output = STANDARD_STREAM;
     std::string background = "light";
 };
 

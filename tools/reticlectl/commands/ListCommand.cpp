@@ -1,8 +1,8 @@
 #include <memory>
 
 #include "tools/reticlectl/commands/Commands.h"
+#include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/commands/ReticleWatch.h"
-#include "tools/reticlectl/commands/SecondsOption.h"
 
 namespace reticlectl {
 

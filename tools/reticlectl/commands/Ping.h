@@ -6,7 +6,7 @@
 
 #include "tools/reticlectl/commands/PingStatistics.h"
 #include "tools/reticlectl/commands/Session.h"
-#include "tools/reticlectl/outcome/ExitStatus.h"
+#include "tools/reticlectl/outcome/Failure.h"
 #include "tools/reticlectl/terminal/InterruptSignal.h"
 
 namespace reticlectl {

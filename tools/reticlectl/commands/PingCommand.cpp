@@ -2,9 +2,8 @@
 #include <string>
 
 #include "tools/reticlectl/commands/Commands.h"
-#include "tools/reticlectl/commands/IndexArgument.h"
+#include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/commands/Ping.h"
-#include "tools/reticlectl/commands/SecondsOption.h"
 
 namespace reticlectl {
 

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <thread>
 
-#include "tools/reticlectl/commands/SecondsOption.h"
+#include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/outcome/Failure.h"
 #include "tools/reticlectl/terminal/DisplayText.h"
 

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "tools/reticlectl/commands/Commands.h"
-#include "tools/reticlectl/commands/IndexArgument.h"
-#include "tools/reticlectl/files/OutputFile.h"
+#include "tools/reticlectl/commands/NumberArguments.h"
+#include "tools/reticlectl/files/TextFile.h"
 #include "tools/reticlectl/outcome/Failure.h"
 
 namespace reticlectl {
@@ -13,7 +13,7 @@ namespace {
 
 struct ShowArguments {
     int index = 0;
-    std::string output = STANDARD_OUTPUT;
+    std::string output = STANDARD_STREAM;
 };
 
 const std::string& dataOf(const reticle::Reply& reply, int index) {

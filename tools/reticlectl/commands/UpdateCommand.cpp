@@ -2,8 +2,8 @@
 #include <string>
 
 #include "tools/reticlectl/commands/Commands.h"
-#include "tools/reticlectl/commands/IndexArgument.h"
-#include "tools/reticlectl/files/InputFile.h"
+#include "tools/reticlectl/commands/NumberArguments.h"
+#include "tools/reticlectl/files/TextFile.h"
 
 namespace reticlectl {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tools/reticlectl/outcome/ExitStatus.h"
+#include "tools/reticlectl/outcome/Failure.h"
 
 namespace Json {
 class Value;

@@ -1,4 +1,4 @@
-#include "tools/reticlectl/files/InputFile.h"
+#include "tools/reticlectl/files/TextFile.h"
 
 #include <cerrno>
 #include <cstring>
@@ -27,7 +27,7 @@ std::string read(std::istream& stream, const std::string& file) {
 
 std::string readText(const std::string& file, std::istream& standardInput) {
     errno = 0;
-    if (file == STANDARD_INPUT) {
+    if (file == STANDARD_STREAM) {
         return read(standardInput, "standard input");
     }
     std::ifstream stream(file, std::ios::binary);
@@ -35,6 +35,20 @@ std::string readText(const std::string& file, std::istream& standardInput) {
         stream.setstate(std::ios::badbit);
     }
     return read(stream, file);
+}
+
+void writeText(const std::string& file, const std::string& text, std::ostream& standardOutput) {
+    if (file == STANDARD_STREAM) {
+        standardOutput << text;
+        return;
+    }
+    errno = 0;
+    std::ofstream stream(file, std::ios::binary | std::ios::trunc);
+    stream << text << std::flush;
+    if (!stream) {
+        throw Failure(ExitStatus::USAGE, "cannot write " + file + ": " + std::strerror(errno) +
+                                             ": check the path and the room there");
+    }
 }
 
 }  // namespace reticlectl
