@@ -28,3 +28,16 @@ function(path_to_run result program)
     endif()
     set(${result} ${path} PARENT_SCOPE)
 endfunction()
+
+# Labels as timed, besides their own label, the tests of the program whose full names begin so: how fast the machine is
+# decides them, and CI gives those that fail a second run. Further lists of tests, where there are any, follow.
+function(label_timed program label names)
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${program}-timed.cmake)
+    file(WRITE ${script} "foreach(test IN LISTS ${program}_TESTS ${ARGN})
+    if(test MATCHES [[^(${names})]])
+        set_tests_properties(\${test} PROPERTIES LABELS \"${label};timed\")
+    endif()
+endforeach()
+")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
+endfunction()
