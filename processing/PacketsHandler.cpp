@@ -5,7 +5,12 @@
 
 #include "base/Log.h"
 
+#ifndef _GLIBCXX_ASSERTIONS
+#error "the call through an empty handler pointer relies on the assertions of the C++ library"
+#endif
+
 namespace reticled {
+
 PacketsHandler::PacketsHandler()
     : _packetStorage(PacketStorage::getInstance()),
       _handlerDirector(JsonHandlerDirector::getInstance()),
