@@ -101,6 +101,17 @@ int statusOf(pid_t child) {
     return WEXITSTATUS(status);
 }
 
+/// Goes on in a child; this process waits for it and ends with its status.
+void continueInChild() {
+    const pid_t child = fork();
+    require(child, "fork into the sandbox");
+    if (child > 0) {
+        // Without exit handlers: a process whose sandbox is gone can fork no more, as the leak check
+        // at the end of a sanitized program would do.
+        std::_Exit(statusOf(child));
+    }
+}
+
 }  // namespace
 
 Sandbox::Sandbox(std::vector<std::string> keptDirectories)
@@ -111,14 +122,19 @@ void Sandbox::run(const std::function<int()>& body) const {
     // What is buffered now would otherwise be written by both processes.
     std::cout.flush();
     static_cast<void>(std::fflush(nullptr));
-    const pid_t child = fork();
-    require(child, "fork into the sandbox");
-    if (child == 0) {
-        std::exit(_runInside(body));
+    continueInChild();
+    try {
+        _prepare();
+        // The kernel spares process 1 signals that would end any other, SIGPIPE among them.
+        continueInChild();
+        require(prctl(PR_SET_CHILD_SUBREAPER, 1), "become the parent of daemons");
+    } catch (const std::exception& failure) {
+        std::cerr << "FAILED: no private namespaces for the tests: " << failure.what() << std::endl;
+        std::exit(EXIT_FAILURE);
     }
-    // Without exit handlers: a process whose sandbox is gone can fork no more, as the leak check at
-    // the end of a sanitized program would do.
-    std::_Exit(statusOf(child));
+    // Whatever the caller of the tests ignores.
+    std::signal(SIGPIPE, SIG_DFL);
+    std::exit(body());
 }
 
 void Sandbox::renewNetwork() {
@@ -126,21 +142,15 @@ void Sandbox::renewNetwork() {
     bringLoopbackUp();
 }
 
-int Sandbox::_runInside(const std::function<int()>& body) const {
-    try {
-        require(prctl(PR_SET_PDEATHSIG, SIGKILL), "end with the parent");
-        require(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr), "make mounts private");
-        require(mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr),
-                "mount a private /proc");
-        makeInheritedDescriptorsPrivate();
-        bringLoopbackUp();
-        _hideTmp();
-        forbidCoreFiles();
-    } catch (const std::exception& failure) {
-        std::cerr << "FAILED: no private namespaces for the tests: " << failure.what() << std::endl;
-        return EXIT_FAILURE;
-    }
-    return body();
+void Sandbox::_prepare() const {
+    require(prctl(PR_SET_PDEATHSIG, SIGKILL), "end with the parent");
+    require(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr), "make mounts private");
+    require(mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr),
+            "mount a private /proc");
+    makeInheritedDescriptorsPrivate();
+    bringLoopbackUp();
+    _hideTmp();
+    forbidCoreFiles();
 }
 
 void Sandbox::_hideTmp() const {

@@ -14,8 +14,8 @@ public:
     /// \param keptDirectories directories that stay visible even when they lie below /tmp.
     explicit Sandbox(std::vector<std::string> keptDirectories);
 
-    /// Runs `body` as process 1 of the sandbox and ends this process with what it returned; 128 plus
-    /// the signal when a signal ended it. Whatever `body` started ends with it.
+    /// Runs `body` in the sandbox and ends this process with what it returned; 128 plus the signal
+    /// when a signal ended it. Whatever `body` started ends with it.
     ///
     /// `body` becomes the parent of every daemon that it causes to be started.
     /// \throws std::system_error when the namespaces cannot be had.
@@ -27,7 +27,7 @@ public:
     static void renewNetwork();
 
 private:
-    [[nodiscard]] int _runInside(const std::function<int()>& body) const;
+    void _prepare() const;
     void _hideTmp() const;
 
     std::vector<std::string> _keptDirectories;
