@@ -6,18 +6,13 @@
 #include <cstring>
 #include <span>
 
-#include "bench/common/Frame.h"
 #include "bench/common/Sockets.h"
+#include "client/FrameFormat.h"
 
 namespace reticled::bench {
 namespace {
 
 constexpr std::chrono::milliseconds PATIENCE = std::chrono::seconds(10);
-
-std::string makeFrame(const std::string& body) {
-    const FrameHeader header = makeFrameHeader(body.size());
-    return std::string(header.data(), header.size()) + body;
-}
 
 void sendAll(int connection, std::string_view bytes) {
     while (!bytes.empty()) {
@@ -35,8 +30,8 @@ bool waitForBytes(std::span<pollfd> watched) {
 }  // namespace
 
 LoadGenerator::LoadGenerator(const std::string& request, const std::string& reply, int connections)
-    : _request(makeFrame(request)),
-      _reply(makeFrame(reply)),
+    : _request(reticle::encodeFrame(request)),
+      _reply(reticle::encodeFrame(reply)),
       _buffer(_reply.size() * static_cast<std::size_t>(connections), '\0') {
     for (int i = 0; i < connections; ++i) {
         const int connection = connectTo(CLIENT_PORT);
@@ -129,9 +124,9 @@ LoadGenerator::Progress LoadGenerator::_receive(Client& client) {
         return Progress::WRONG;
     }
     client.received += static_cast<std::size_t>(count);
-    const bool hasHeader = client.received >= FRAME_HEADER_BYTES;
+    const bool hasHeader = client.received >= reticle::FRAME_HEADER_BYTES;
     // A reply of another length never fills the buffer, or leaves bytes for the next: look early.
-    if (hasHeader && std::memcmp(buffer, _reply.data(), FRAME_HEADER_BYTES) != 0) {
+    if (hasHeader && std::memcmp(buffer, _reply.data(), reticle::FRAME_HEADER_BYTES) != 0) {
         return Progress::WRONG;
     }
     if (client.received < _reply.size()) {

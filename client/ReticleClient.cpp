@@ -4,8 +4,9 @@
 
 #include "client/Connection.h"
 #include "client/Deadline.h"
-#include "client/Frame.h"
+#include "client/FrameFormat.h"
 #include "client/Request.h"
+#include "client/receiveFrame.h"
 
 namespace reticle {
 

@@ -3,24 +3,15 @@
 #include <sys/socket.h>
 #include <sys/uio.h>
 
+#include <array>
 #include <cerrno>
-#include <numeric>
 #include <system_error>
 
 #include "bench/common/Sockets.h"
+#include "client/FrameFormat.h"
 
 namespace reticled::bench {
 namespace {
-
-constexpr std::size_t SYNC_BYTES = 32;
-
-std::size_t bodySizeOf(const FrameHeader& header) {
-    std::uint32_t size = 0;
-    for (std::size_t i = SYNC_BYTES; i < header.size(); ++i) {
-        size = size << 8U | static_cast<std::uint8_t>(header.at(i));
-    }
-    return size;
-}
 
 bool receiveAll(int connection, char* buffer, std::size_t size) {
     return recv(connection, buffer, size, MSG_WAITALL) == static_cast<ssize_t>(size);
@@ -28,21 +19,12 @@ bool receiveAll(int connection, char* buffer, std::size_t size) {
 
 }  // namespace
 
-FrameHeader makeFrameHeader(std::size_t bodySize) {
-    FrameHeader header{};
-    std::iota(header.begin(), header.begin() + SYNC_BYTES, '\0');
-    for (std::size_t i = SYNC_BYTES; i < header.size(); ++i) {
-        header.at(i) = static_cast<char>(bodySize >> (8 * (FRAME_HEADER_BYTES - 1 - i)));
-    }
-    return header;
-}
-
 std::optional<std::string> receiveFrame(int connection) {
-    FrameHeader header{};
+    reticle::FrameHeader header{};
     if (!receiveAll(connection, header.data(), header.size())) {
         return std::nullopt;
     }
-    std::string body(bodySizeOf(header), '\0');
+    std::string body(reticle::announcedBodyBytes({header.data(), header.size()}), '\0');
     if (!receiveAll(connection, body.data(), body.size())) {
         return std::nullopt;
     }
@@ -50,7 +32,7 @@ std::optional<std::string> receiveFrame(int connection) {
 }
 
 void sendFrame(int connection, std::string_view body) {
-    FrameHeader header = makeFrameHeader(body.size());
+    reticle::FrameHeader header = reticle::frameHeader(body.size());
     // The kernel only reads what the pieces point at.
     std::array<iovec, 2> pieces{
         {{header.data(), header.size()},

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "client/FrameFormat.h"
 #include "tests/schema/Schema.h"
 #include "tests/support/Text.h"
 #include "tests/system/Programs.h"
@@ -12,11 +13,12 @@
 
 namespace {
 
-constexpr std::size_t HEADER_BYTES = 36;
+using reticle::FRAME_HEADER_BYTES;
 
 // The body of a step that shows a frame as its body or as the bytes on the wire.
 std::string bodyOf(const TranscriptStep& step) {
-    return step.instruction.ends_with(" hex") ? fromHex(step.text).substr(HEADER_BYTES) : step.text;
+    return step.instruction.ends_with(" hex") ? fromHex(step.text).substr(FRAME_HEADER_BYTES)
+                                              : step.text;
 }
 
 /// The bodies in the transcripts of the protocol's document.

@@ -3,27 +3,19 @@
 #include <stdexcept>
 #include <utility>
 
+#include "client/FrameFormat.h"
+
 namespace {
 
-constexpr std::size_t SYNC_BYTES = 32;
-constexpr std::size_t HEADER_BYTES = 36;
 constexpr std::chrono::milliseconds LOOK_INTERVAL{50};
 constexpr std::chrono::seconds GIVE_UP_UNTAKEN{5};
-
-std::size_t lengthIn(const std::string& header) {
-    std::size_t length = 0;
-    for (std::size_t i = SYNC_BYTES; i < HEADER_BYTES; ++i) {
-        length = length << 8U | static_cast<unsigned char>(header[i]);
-    }
-    return length;
-}
 
 }  // namespace
 
 std::string Conversation::frame(const std::string& members, Ledger::Expectation expectation) {
     _lastRequest = _ledger.announce(_number, std::move(expectation));
     const std::string body = R"({"soak":)" + std::to_string(_lastRequest) + "," + members + "}";
-    return FrameClient::header(static_cast<std::uint32_t>(body.size())) + body;
+    return reticle::encodeFrame(body);
 }
 
 std::optional<std::string> Conversation::ask(const std::string& members,
@@ -45,10 +37,12 @@ std::optional<std::string> Conversation::waitForReply() {
 }
 
 std::optional<std::string> Conversation::read(std::chrono::milliseconds bound) {
-    if (!_fill(HEADER_BYTES, bound) || !_fill(HEADER_BYTES + lengthIn(_arrived), bound)) {
+    using reticle::FRAME_HEADER_BYTES;
+    if (!_fill(FRAME_HEADER_BYTES, bound) ||
+        !_fill(FRAME_HEADER_BYTES + reticle::announcedBodyBytes(_arrived), bound)) {
         return std::nullopt;
     }
-    std::string reply = _arrived.substr(HEADER_BYTES);
+    std::string reply = _arrived.substr(FRAME_HEADER_BYTES);
     _arrived.clear();
     _ledger.received(_number, reply);
     return reply;

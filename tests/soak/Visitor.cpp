@@ -5,14 +5,13 @@
 #include <mutex>
 #include <stdexcept>
 
+#include "client/FrameFormat.h"
 #include "tests/soak/ListReply.h"
 #include "tests/support/FrameClient.h"
 #include "tests/support/Patience.h"
 
 namespace {
 
-constexpr std::size_t SYNC_BYTES = 32;
-constexpr std::size_t HEADER_BYTES = 36;
 constexpr std::size_t LARGEST_BODY_BYTES = 4194303;
 constexpr std::size_t GIANT_BYTES = 3000000;
 constexpr int SMALL_BUFFER_BYTES = 4096;
@@ -63,7 +62,8 @@ void Visitor::_sayNothing() {
 }
 
 void Visitor::_sendHalfAHeader() {
-    _visitWithoutRequest(FrameClient::header(1).substr(0, _pick(1, SYNC_BYTES - 1)), ONE, NONE);
+    _visitWithoutRequest(FrameClient::header(1).substr(0, _pick(1, reticle::FRAME_SYNC_BYTES - 1)),
+                         ONE, NONE);
 }
 
 void Visitor::_sendHalfABody() {
@@ -82,7 +82,8 @@ void Visitor::_sendGarbage() {
     for (char& byte : garbage) {
         byte = static_cast<char>(_pick(FIRST, LAST));
     }
-    const std::size_t headers = (garbage.size() + HEADER_BYTES - 1) / HEADER_BYTES;
+    const std::size_t headers =
+        (garbage.size() + reticle::FRAME_HEADER_BYTES - 1) / reticle::FRAME_HEADER_BYTES;
     _visitWithoutRequest(garbage, {headers, headers}, NONE);
 }
 

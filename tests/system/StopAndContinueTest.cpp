@@ -5,6 +5,7 @@
 #include <csignal>
 #include <string>
 
+#include "client/FrameFormat.h"
 #include "tests/support/FrameClient.h"
 #include "tests/support/Patience.h"
 #include "tests/system/Exchanges.h"
@@ -18,7 +19,7 @@ using exchanges::FULL_REPLY;
 using exchanges::GET_ALL;
 using exchanges::LIST_REQUEST;
 
-constexpr std::size_t HEADER_BYTES = 36;
+using reticle::FRAME_HEADER_BYTES;
 
 /// Signals for which nobody has a handler, and which do not end a process: they end system calls all
 /// the same, or do not.
@@ -49,7 +50,7 @@ protected:
     }
 
     std::string readReply() {
-        return client.receive(HEADER_BYTES + FULL_REPLY.size()).substr(HEADER_BYTES);
+        return client.receive(FRAME_HEADER_BYTES + FULL_REPLY.size()).substr(FRAME_HEADER_BYTES);
     }
 
     Connection client{sockets::connectTo(CLIENT_PORT)};
@@ -68,11 +69,11 @@ TEST_F(StopAndContinueTest, ServiceThatWaitsForClientsAndFramesGoesOnWaiting) {
 
 TEST_F(StopAndContinueTest, BodyThatHasComeInPartIsTakenForTheWholeAndItsRestForAHeader) {
     constexpr std::size_t BEFORE = 9;
-    send(FrameClient::header(BEFORE + HEADER_BYTES) + std::string(BEFORE, ' '));
+    send(FrameClient::header(BEFORE + FRAME_HEADER_BYTES) + std::string(BEFORE, ' '));
     EXPECT_TRUE(service.hasProgress("json is true, length = 45\n"));
     stopAndContinue();
     EXPECT_TRUE(service.hasError("Error: received packet isn't json\n"));
-    send(std::string(HEADER_BYTES, ' '));
+    send(std::string(FRAME_HEADER_BYTES, ' '));
     EXPECT_TRUE(service.hasError("Failed to retrieve packet length\n"));
     send(FrameClient::header(GET_ALL.size()) + std::string(GET_ALL));
     EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
@@ -117,7 +118,7 @@ TEST_F(StopAndContinueTest, ReplyThatIsBeingSentArrivesWhole) {
     kill(service.pid(), SIGCONT);
     const std::string whole(exchanges::ONE_DOT_REPLY);
     const std::string inReply = "<circle fill=\\\"red\\\"/>";
-    const std::size_t bytes = HEADER_BYTES + whole.size() - inReply.size() + text.size();
+    const std::size_t bytes = FRAME_HEADER_BYTES + whole.size() - inReply.size() + text.size();
     EXPECT_NE(slow.readBytes(bytes - 1).find(text), std::string::npos);
 }
 

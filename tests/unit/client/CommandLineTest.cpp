@@ -6,6 +6,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "client/FrameFormat.h"
 #include "tests/unit/client/FakeService.h"
 #include "tools/reticlectl/CommandLine.h"
 
@@ -13,10 +14,10 @@ namespace reticlectl {
 
 namespace {
 
+using reticle::encodeFrame;
 using reticle::test::answering;
 using reticle::test::FakePeer;
 using reticle::test::FakeService;
-using reticle::test::framed;
 
 constexpr const char* LIST_REQUEST = R"({"action":"RETICLES_GET_ALL"})";
 constexpr const char* ONE_RETICLE =
@@ -51,7 +52,7 @@ Exchange exchange(std::vector<std::string> arguments, const std::string& answer 
     std::vector<std::string> requests;
     Outcome outcome;
     {
-        const FakeService service(answering(framed(answer), &requests));
+        const FakeService service(answering(encodeFrame(answer), &requests));
         arguments.insert(arguments.begin(), {"--port", std::to_string(service.port())});
         outcome = runProgram(arguments, input);
     }
@@ -319,17 +320,17 @@ TEST_F(CommandLine, AForeignServerIsAMalformedReply) {
 }
 
 TEST_F(CommandLine, ABodyThatIsNotJsonIsAMalformedReply) {
-    expectOneErrorLine(runAgainst(answering(framed("oops"))), ExitStatus::MALFORMED_REPLY,
+    expectOneErrorLine(runAgainst(answering(encodeFrame("oops"))), ExitStatus::MALFORMED_REPLY,
                        "(not JSON): check ");
 }
 
 TEST_F(CommandLine, AReplyOfAWrongShapeIsAMalformedReply) {
-    expectOneErrorLine(runAgainst(answering(framed(R"({"result":"OK","reticles":7})"))),
+    expectOneErrorLine(runAgainst(answering(encodeFrame(R"({"result":"OK","reticles":7})"))),
                        ExitStatus::MALFORMED_REPLY, "\"reticles\" is not a list");
 }
 
 TEST_F(CommandLine, OutputThatCannotBeWrittenIsReported) {
-    const FakeService service(answering(framed(ONE_RETICLE)));
+    const FakeService service(answering(encodeFrame(ONE_RETICLE)));
     std::istringstream in;
     std::ofstream full("/dev/full");
     std::ostringstream err;
@@ -393,7 +394,7 @@ TEST_F(CommandLine, PingConnectsAnewAfterALoss) {
     {
         const FakeService service([&connections](FakePeer& peer) {
             peer.receiveRequest();
-            peer.send(++connections == 1 ? "" : framed(ONE_RETICLE));
+            peer.send(++connections == 1 ? "" : encodeFrame(ONE_RETICLE));
         });
         const Outcome ping = runProgram({"--port", std::to_string(service.port()), "ping",
                                          "--count", "2", "--interval", "0.001"});
@@ -403,7 +404,7 @@ TEST_F(CommandLine, PingConnectsAnewAfterALoss) {
 }
 
 TEST_F(CommandLine, AWatchWhoseOutputCannotBeWrittenEnds) {
-    const FakeService service(answering(framed(ONE_RETICLE)));
+    const FakeService service(answering(encodeFrame(ONE_RETICLE)));
     std::istringstream in;
     std::ofstream full("/dev/full");
     std::ostringstream err;

@@ -11,12 +11,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include "client/FrameFormat.h"
+
 namespace reticle::test {
 
 namespace {
 
 constexpr int PATIENCE_S = 10;
-constexpr std::size_t HEADER_BYTES = 36;
 
 void require(bool done, const char* what) {
     if (!done) {
@@ -65,15 +66,9 @@ FakePeer::FakePeer(Socket socket) : _socket(std::move(socket)) {
 }
 
 std::string FakePeer::receiveRequest() {
-    const std::string header = receiveAll(_socket, HEADER_BYTES);
-    if (header.size() < HEADER_BYTES) {
-        return "";
-    }
-    std::size_t length = 0;
-    for (std::size_t i = HEADER_BYTES - sizeof(std::uint32_t); i < HEADER_BYTES; ++i) {
-        length = length * 256 + static_cast<unsigned char>(header[i]);
-    }
-    return receiveAll(_socket, length);
+    const std::string header = receiveAll(_socket, FRAME_HEADER_BYTES);
+    return header.size() < FRAME_HEADER_BYTES ? ""
+                                              : receiveAll(_socket, announcedBodyBytes(header));
 }
 
 void FakePeer::send(std::string_view bytes) {
@@ -132,19 +127,6 @@ FakeService::Script answering(std::string bytes, std::vector<std::string>* reque
         peer.send(bytes);
         peer.waitForClose();
     };
-}
-
-std::string framed(std::string_view body) {
-    constexpr std::string_view SYNC(
-        "\x00\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F"
-        "\x10\x11\x12\x13\x14\x15\x16\x17\x18\x19\x1A\x1B\x1C\x1D\x1E\x1F",
-        32);
-    const std::size_t size = body.size();
-    std::string frame(SYNC);
-    frame += {static_cast<char>(size >> 24U), static_cast<char>(size >> 16U),
-              static_cast<char>(size >> 8U), static_cast<char>(size)};
-    frame += body;
-    return frame;
 }
 
 std::uint16_t unusedPort() {

@@ -61,9 +61,6 @@ private:
 /// must outlive the service and not be read before it has ended or the client has its reply.
 FakeService::Script answering(std::string bytes, std::vector<std::string>* requests = nullptr);
 
-/// A reply frame around `body`.
-std::string framed(std::string_view body);
-
 /// Asks the kernel for a loopback port that nobody listens on.
 std::uint16_t unusedPort();
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "client/Frame.h"
+#include "client/FrameFormat.h"
+#include "client/receiveFrame.h"
 #include "reticle-client/Errors.h"
 #include "tests/unit/client/FakeService.h"
 
@@ -61,7 +62,7 @@ TEST(Frame, WhatFollowsABodyIsLeftAlone) {
 TEST(Frame, ABodyOfManyMegabytesArrivesWhole) {
     std::string body(20'000'000, 'a');
     body.back() = 'z';
-    const FakeService service(sending(test::framed(body)));
+    const FakeService service(sending(encodeFrame(body)));
     EXPECT_TRUE(receiveFrom(service) == body);
 }
 

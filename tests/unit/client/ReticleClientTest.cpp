@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "client/FrameFormat.h"
 #include "reticle-client/ReticleClient.h"
 #include "tests/unit/client/FakeService.h"
 
@@ -21,7 +22,6 @@ using std::chrono_literals::operator""s;
 using test::answering;
 using test::FakePeer;
 using test::FakeService;
-using test::framed;
 
 constexpr const char* HOST = "127.0.0.1";
 constexpr const char* EMPTY_LIST = R"({"result":"OK","reticles":null})";
@@ -34,7 +34,7 @@ template <class Call>
 std::string requestOf(Call call) {
     std::vector<std::string> requests;
     {
-        const FakeService service(answering(framed(EMPTY_LIST), &requests));
+        const FakeService service(answering(encodeFrame(EMPTY_LIST), &requests));
         ReticleClient client(HOST, service.port(), 10s);
         call(client);
     }
@@ -60,7 +60,7 @@ TEST(ReticleClient, SendsEachCommandOnce) {
 }
 
 TEST(ReticleClient, ReturnsTheReply) {
-    const FakeService service(answering(framed(ONE_RETICLE)));
+    const FakeService service(answering(encodeFrame(ONE_RETICLE)));
     const Reply reply = ReticleClient(HOST, service.port(), 10s).list();
     EXPECT_EQ(reply.json, ONE_RETICLE);
     ASSERT_EQ(reply.reticles.size(), 1U);
@@ -69,7 +69,7 @@ TEST(ReticleClient, ReturnsTheReply) {
 
 TEST(ReticleClient, TellsHowMuchOfARequestIsSent) {
     constexpr std::size_t DATA_BYTES = 3'000'000;
-    const FakeService service(answering(framed(EMPTY_LIST)));
+    const FakeService service(answering(encodeFrame(EMPTY_LIST)));
     ReticleClient client(HOST, service.port(), 30s);
     std::vector<std::size_t> sent;
     std::size_t total = 0;
@@ -101,7 +101,7 @@ TEST(ReticleClient, TakesAReplyByteByByte) {
     const FakeService service([](FakePeer& peer) {
         peer.receiveRequest();
         constexpr int PAUSE_MS = 1;
-        for (const char byte : framed(ONE_RETICLE)) {
+        for (const char byte : encodeFrame(ONE_RETICLE)) {
             peer.send({&byte, 1});
             // Waits for nothing but lets the byte go out alone.
             (void)peer.hasClosed(PAUSE_MS);
@@ -125,7 +125,7 @@ TEST(ReticleClient, UsesOneConnectionForManyCalls) {
     const FakeService service([&](FakePeer& peer) {
         ++connections;
         while (!peer.receiveRequest().empty()) {
-            peer.send(framed(EMPTY_LIST));
+            peer.send(encodeFrame(EMPTY_LIST));
         }
     });
     ReticleClient client(HOST, service.port(), 10s);
@@ -141,9 +141,9 @@ TEST(ReticleClient, ThrowsTheRefusalAndGoesOn) {
     const FakeService service([&](FakePeer& peer) {
         ++connections;
         peer.receiveRequest();
-        peer.send(framed(R"({"result":"RETICLE_INDEX_NOT_FOUND"})"));
+        peer.send(encodeFrame(R"({"result":"RETICLE_INDEX_NOT_FOUND"})"));
         peer.receiveRequest();
-        peer.send(framed(EMPTY_LIST));
+        peer.send(encodeFrame(EMPTY_LIST));
         peer.waitForClose();
     });
     ReticleClient client(HOST, service.port(), 10s);
@@ -206,10 +206,10 @@ TEST(ReticleClient, ALateReplyIsNotTakenForTheNext) {
         peer.receiveRequest();
         if (isLate) {
             peer.waitForClose();
-            peer.send(framed(EMPTY_LIST));
+            peer.send(encodeFrame(EMPTY_LIST));
             return;
         }
-        peer.send(framed(ONE_RETICLE));
+        peer.send(encodeFrame(ONE_RETICLE));
         peer.waitForClose();
     });
     ReticleClient client(HOST, service.port(), 3s);
@@ -221,7 +221,7 @@ TEST(ReticleClient, ALateReplyIsNotTakenForTheNext) {
 TEST(ReticleClient, ConnectsAnewAfterTheServiceWasGone) {
     const FakeService service([](FakePeer& peer) {
         peer.receiveRequest();
-        peer.send(framed(EMPTY_LIST));
+        peer.send(encodeFrame(EMPTY_LIST));
     });
     ReticleClient client(HOST, service.port(), 10s);
     client.list();
@@ -231,8 +231,8 @@ TEST(ReticleClient, ConnectsAnewAfterTheServiceWasGone) {
 
 TEST(ReticleClient, ForeignAnswersAreMalformed) {
     for (const std::string& bytes :
-         {std::string("HTTP/1.1 400 Bad Request\r\n\r\n"), framed("not JSON"), framed("[]"),
-          framed(""), framed(R"({"result":"OK"})")}) {
+         {std::string("HTTP/1.1 400 Bad Request\r\n\r\n"), encodeFrame("not JSON"),
+          encodeFrame("[]"), encodeFrame(""), encodeFrame(R"({"result":"OK"})")}) {
         const FakeService service(answering(bytes));
         ReticleClient client(HOST, service.port(), 10s);
         EXPECT_THROW(client.list(), MalformedReply) << bytes;
@@ -242,7 +242,7 @@ TEST(ReticleClient, ForeignAnswersAreMalformed) {
 TEST(ReticleClient, WhatCannotBeSentIsNotSent) {
     std::vector<std::string> requests;
     {
-        const FakeService service(answering(framed(EMPTY_LIST), &requests));
+        const FakeService service(answering(encodeFrame(EMPTY_LIST), &requests));
         ReticleClient client(HOST, service.port(), 10s);
         EXPECT_THROW(client.add({{"\xFF", ""}}), InvalidText);
         EXPECT_THROW(client.update(1, "n", std::string(4194304, 'x')), RequestTooLarge);
@@ -274,7 +274,7 @@ TEST(ReticleClient, GoesOnWaitingAfterASignal) {
                 std::this_thread::yield();
             }
         }
-        peer.send(framed(EMPTY_LIST));
+        peer.send(encodeFrame(EMPTY_LIST));
         peer.waitForClose();
     });
     EXPECT_EQ(ReticleClient(HOST, service.port(), 10s).list().json, EMPTY_LIST);
