@@ -1,83 +1,82 @@
-# Flags that every target shares: warnings, assertions, hardening, sanitizers.
+# How everything here is compiled and linked: `warnings` and `hardening` are linked by every target of this project,
+# most of them through the library below it.
 option(WARNINGS_AS_ERRORS "Stop at the first compiler warning" OFF)
 option(HARDENING "Fortified libc calls, stack protector, PIE, read-only relocations" OFF)
 option(SMALL "Optimise across files and drop what nothing calls; with the build type MinSizeRel" OFF)
-option(STATIC_LIBRARIES "Link libstdc++ and libgcc in" OFF)
-option(COVERAGE "Count the lines and branches that run, for gcovr" OFF)
+option(STATIC_LIBRARIES "Link libstdc++ in" OFF)
+option(COVERAGE "Count the lines and branches of the service that run, for gcovr" OFF)
 set(SANITIZERS "" CACHE STRING "Value for -fsanitize=, empty for none")
 
-add_compile_options(
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+add_library(warnings INTERFACE)
+target_compile_options(
+    warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Wold-style-cast -Wcast-align -Woverloaded-virtual -Wnull-dereference -Wdouble-promotion
     -Wformat=2 -Wunused -Wextra-semi)
+if(NOT CMAKE_UNITY_BUILD)
+    # Files that are compiled as one hide each other's names, as those of tests are, in batches.
+    target_compile_options(
+        warnings INTERFACE $<$<NOT:$<BOOL:$<TARGET_PROPERTY:UNITY_BUILD_BATCH_SIZE>>>:-Wshadow>)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    add_compile_options(-Wduplicated-cond -Wduplicated-branches -Wlogical-op)
+    target_compile_options(warnings INTERFACE -Wduplicated-cond -Wduplicated-branches -Wlogical-op)
 elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # Who holds which lock, from the annotations of base/CheckedMutex.h; "beta" adds the order of locks.
-    add_compile_options(-Wthread-safety -Wthread-safety-beta)
-endif()
-if(CMAKE_UNITY_BUILD)
-    # Files that are compiled as one hide each other's names; the release build sees each by itself.
-    add_compile_options(-Wno-shadow)
+    target_compile_options(warnings INTERFACE -Wthread-safety -Wthread-safety-beta)
 endif()
 if(WARNINGS_AS_ERRORS)
-    add_compile_options(-Werror)
+    target_compile_options(warnings INTERFACE -Werror)
 endif()
 
+add_library(hardening INTERFACE)
 # In every build type: an empty handler pointer must end the service at once (see PacketsHandler.cpp).
-add_compile_definitions(_GLIBCXX_ASSERTIONS)
-
+target_compile_definitions(hardening INTERFACE _GLIBCXX_ASSERTIONS)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 if(HARDENING)
     include(CheckPIESupported)
     check_pie_supported()
-    add_compile_options(-fstack-protector-strong)
-    add_compile_definitions($<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
-    add_link_options(-Wl,-z,relro -Wl,-z,now)
+    target_compile_options(hardening INTERFACE -fstack-protector-strong)
+    target_compile_definitions(hardening INTERFACE $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=2>)
+    target_link_options(hardening INTERFACE -Wl,-z,relro -Wl,-z,now)
 endif()
 
+# What follows is a whole program's matter, libraries that are built here included: it stands before the flags of
+# any target, which may take parts of it back.
 if(SMALL)
     # Each function and variable in a section of its own, which the linker can leave out alone; LTO sees
     # across files what else nobody calls, or what is smaller in the place of its call.
     set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
-    add_compile_options(-ffunction-sections -fdata-sections)
-    add_link_options(-Wl,--gc-sections)
+    string(APPEND CMAKE_CXX_FLAGS " -ffunction-sections -fdata-sections")
+    string(APPEND CMAKE_EXE_LINKER_FLAGS " -Wl,--gc-sections")
 endif()
 
 if(STATIC_LIBRARIES)
     include(CheckLinkerFlag)
-    # With jsoncpp built here, libc and libm remain, which every image has.
-    add_link_options(-static-libstdc++ -static-libgcc
-                     -Wl,-T,${PROJECT_SOURCE_DIR}/cmake/unused-library-code.ld)
+    # libgcc stays shared: libc's own code throws through it, too.
+    string(APPEND CMAKE_EXE_LINKER_FLAGS " -static-libstdc++")
     # The tables of libstdc++ hold 2000 addresses for the loader to adjust: 400 bytes instead of 50 KB.
     # glibc knows the short form from 2.36 on.
     check_linker_flag(CXX -Wl,-z,pack-relative-relocs HAS_SHORT_RELOCATIONS)
     if(HAS_SHORT_RELOCATIONS)
-        add_link_options(-Wl,-z,pack-relative-relocs)
+        string(APPEND CMAKE_EXE_LINKER_FLAGS " -Wl,-z,pack-relative-relocs")
     endif()
-endif()
-
-if(COVERAGE)
-    # Counters that threads share and processes add up; see scripts/coverage.
-    add_compile_options(--coverage -fprofile-update=atomic)
-    add_link_options(--coverage)
 endif()
 
 if(SANITIZERS)
     # -O1: sanitized programs run in acceptable time; frame pointers and lines: reports with whole stacks.
-    add_compile_options(-fsanitize=${SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g1)
-    add_link_options(-fsanitize=${SANITIZERS})
+    string(APPEND CMAKE_CXX_FLAGS_DEBUG
+           " -fsanitize=${SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1 -g1")
     if(SANITIZERS MATCHES "undefined")
         # This check opens a pipe, and takes every object for a wild one where tests leave no descriptor.
-        add_compile_options(-fno-sanitize=vptr)
+        string(APPEND CMAKE_CXX_FLAGS_DEBUG " -fno-sanitize=vptr")
     endif()
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         # gcc loses track of what <regex> initialises once it is instrumented.
-        add_compile_options(-Wno-maybe-uninitialized)
+        target_compile_options(warnings INTERFACE -Wno-maybe-uninitialized)
     endif()
     # The thread sanitizer does not follow fences; gcc says so for every atomic in the library.
     if(SANITIZERS STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-        add_compile_options(-Wno-tsan)
+        target_compile_options(warnings INTERFACE -Wno-tsan)
     endif()
 endif()
 

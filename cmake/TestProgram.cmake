@@ -6,7 +6,7 @@ function(compile_quickly program)
     compile_together(${program})
     # Pieces that the cores share, and whose files do not hide each other's names.
     set_target_properties(${program} PROPERTIES UNITY_BUILD_BATCH_SIZE 12)
-    target_compile_options(${program} PRIVATE -O0 -U_FORTIFY_SOURCE -Wno-shadow)
+    target_compile_options(${program} PRIVATE -O0 -U_FORTIFY_SOURCE)
     if(SANITIZERS MATCHES "undefined")
         # Its checks are for what is tested; in the tests' own code they cost a quarter of its compilation.
         target_compile_options(${program} PRIVATE -fno-sanitize=undefined)
