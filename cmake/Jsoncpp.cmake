@@ -7,10 +7,9 @@ if(NOT JSONCPP_FROM_SOURCE)
     return()
 endif()
 
-set(JSONCPP_SOURCE ${PROJECT_BINARY_DIR}/jsoncpp-source)
+set(JSONCPP_SOURCE ${PROJECT_SOURCE_DIR}/build/jsoncpp-source)
 if(NOT EXISTS ${JSONCPP_SOURCE})
-    execute_process(COMMAND ${PROJECT_SOURCE_DIR}/scripts/jsoncpp-source ${JSONCPP_SOURCE}
-                            COMMAND_ERROR_IS_FATAL ANY)
+    message(FATAL_ERROR "There is no ${JSONCPP_SOURCE}: scripts/bootstrap jsoncpp fetches it.")
 endif()
 add_library(
     jsoncpp-from-source STATIC
@@ -19,4 +18,5 @@ add_library(
 target_include_directories(jsoncpp-from-source SYSTEM PUBLIC ${JSONCPP_SOURCE}/include)
 # Its warnings are its authors' business.
 target_compile_options(jsoncpp-from-source PRIVATE -w)
+target_link_libraries(jsoncpp-from-source PRIVATE hardening)
 add_library(PkgConfig::JSONCPP ALIAS jsoncpp-from-source)

@@ -1,5 +1,5 @@
 # Debian's cross compiler CROSS_TRIPLET-g++, and libraries of the foreign architecture beside the host's own:
-# scripts/bootstrap --cross installs both. There is no root of another system to search, so header-only
+# scripts/bootstrap arm64 or armhf installs both. There is no root of another system to search, so header-only
 # packages and programs that the build runs are found where the host has them.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR ${CROSS_PROCESSOR})
