@@ -1,11 +1,8 @@
 #include "processing/JsonText.h"
 
 #include <json/reader.h>
-#include <json/writer.h>
 
-#include <memory>
-#include <sstream>
-#include <utility>
+#include "processing/JsonWriter.h"
 
 namespace reticled {
 
@@ -21,13 +18,7 @@ bool parseJson(std::string_view text, Comments comments, Json::Value& root) {
 }
 
 std::string writeJson(const Json::Value& value) {
-    // One for each thread, since making one costs more than writing a short text.
-    thread_local const std::unique_ptr<Json::StreamWriter> writer(
-        Json::StreamWriterBuilder().newStreamWriter());
-    // What Json::writeString does, but without the copy out of the stream.
-    std::ostringstream text;
-    writer->write(value, &text);
-    return std::move(text).str();
+    return JsonWriter::write(value);
 }
 
 }  // namespace reticled
