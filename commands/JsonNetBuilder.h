@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace reticled {
 
@@ -47,7 +48,7 @@ private:
     [[nodiscard]] static std::optional<Json::Value> _makeRecord(Json::Value& entry);
     [[nodiscard]] static std::string _getReticleData(const std::string& fileName,
                                                      const std::string& userColor);
-    [[nodiscard]] static std::string _applyUserColor(const std::string& text,
+    [[nodiscard]] static std::string _applyUserColor(std::string_view text,
                                                      const std::string& userColor);
 
     std::atomic<std::int32_t> _isBusy{0};  ///< 1 from reset to finish, written only

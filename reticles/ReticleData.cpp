@@ -1,17 +1,27 @@
 // The part of JsonNetBuilder that reads one reticle file and puts the user's colour in.
+#include <cstring>
 #include <iostream>
 #include <string_view>
 
 #include "base/Log.h"
 #include "commands/JsonNetBuilder.h"
 #include "reticles/FlashPaths.h"
-#include "reticles/StorageFile.h"
+#include "reticles/readStorageFile.h"
 
 namespace reticled {
 namespace {
 
 constexpr std::string_view PLACEHOLDER = "\"user_color\"";
 constexpr char ESCAPE = '$';
+
+/// Not std::string_view's search, which stops at every quote of a drawing.
+std::size_t findPlaceholder(std::string_view text) {
+    const void* const found =
+        memmem(text.data(), text.size(), PLACEHOLDER.data(), PLACEHOLDER.size());
+    return found != nullptr
+               ? static_cast<std::size_t>(static_cast<const char*>(found) - text.data())
+               : std::string_view::npos;
+}
 
 /// What stands around one placeholder.
 struct Surroundings {
@@ -73,25 +83,29 @@ void appendExpanded(std::string& result, std::string_view format, const Surround
 std::string JsonNetBuilder::_getReticleData(const std::string& fileName,
                                             const std::string& userColor) {
     const std::string path = RETICLES_DIR + fileName;
-    const StorageFile file(path);
+    const FileContent file = readStorageFile(path);
     logLine(std::cout, "_getReticleData", ": reticle file path: ", path);
-    return _applyUserColor(file.readAll(), userColor);
+    return _applyUserColor(file.text(), userColor);
 }
 
-std::string JsonNetBuilder::_applyUserColor(const std::string& text, const std::string& userColor) {
+std::string JsonNetBuilder::_applyUserColor(std::string_view text, const std::string& userColor) {
     // Intended: "$&" and its like in a colour are expanded, as std::regex_replace would do.
     const std::string replacement = '"' + userColor + '"';
+    const bool isPlain = replacement.find(ESCAPE) == std::string::npos;
     std::string result;
     result.reserve(text.size());
-    std::string_view rest = text;
-    for (std::size_t found = rest.find(PLACEHOLDER); found != std::string_view::npos;
-         found = rest.find(PLACEHOLDER)) {
-        const std::string_view before = rest.substr(0, found);
-        rest.remove_prefix(found + PLACEHOLDER.size());
+    for (std::size_t found = findPlaceholder(text); found != std::string_view::npos;
+         found = findPlaceholder(text)) {
+        const std::string_view before = text.substr(0, found);
+        text.remove_prefix(found + PLACEHOLDER.size());
         result += before;
-        appendExpanded(result, replacement, {before, rest});
+        if (isPlain) {
+            result += replacement;
+        } else {
+            appendExpanded(result, replacement, {before, text});
+        }
     }
-    return result += rest;
+    return result += text;
 }
 
 }  // namespace reticled

@@ -7,7 +7,7 @@
 #include "processing/JsonRetriever.h"
 #include "processing/JsonText.h"
 #include "reticles/FlashPaths.h"
-#include "reticles/StorageFile.h"
+#include "reticles/readStorageFile.h"
 
 namespace reticled {
 namespace {
@@ -40,7 +40,7 @@ std::string JsonNetBuilder::_getReticlesList(const std::string& answer) {
         } catch (...) {  // NOLINT(bugprone-empty-catch): names no file, so an earlier name holds
         }
     }
-    return StorageFile(FLASH_ROOT + listName).readAll();
+    return std::string(readStorageFile(FLASH_ROOT + listName).text());
 }
 
 void JsonNetBuilder::fillReticles(const std::string& answer) {

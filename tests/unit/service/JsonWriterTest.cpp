@@ -79,8 +79,9 @@ TEST(JsonWriterTest, TextBeyondAsciiAndWhatIsNoUtf8) {
 }
 
 TEST(JsonWriterTest, EmptyAndNestedContainers) {
-    for (const char* text : {"[]", "{}", "[[]]", "[{}]", R"({"a":[]})", R"({"a":{}})",
-                             R"([[1],[2,[3]],{"b":[{"c":{}}]}])", R"({"b":{"a":[1,null]},"":""})"}) {
+    for (const char* text :
+         {"[]", "{}", "[[]]", "[{}]", R"({"a":[]})", R"({"a":{}})",
+          R"([[1],[2,[3]],{"b":[{"c":{}}]}])", R"({"b":{"a":[1,null]},"":""})"}) {
         expectLikeLibrary(parsed(text));
     }
     Json::Value gaps;

@@ -9,7 +9,7 @@
 #include <string>
 #include <thread>
 
-#include "reticles/StorageFile.h"
+#include "reticles/readStorageFile.h"
 #include "tests/support/FlashFiles.h"
 #include "tests/support/Patience.h"
 #include "tests/unit/service/DescriptorLimit.h"
@@ -19,48 +19,48 @@ namespace {
 
 std::atomic<int> interruptions{0};
 
-class StorageFileTest : public testing::Test {
+class ReadStorageFileTest : public testing::Test {
 protected:
     FlashFiles flash;
 };
 
-TEST_F(StorageFileTest, FileIsReadByteForByte) {
+TEST_F(ReadStorageFileTest, FileIsReadByteForByte) {
     const std::string content = std::string("a\r\n\xFF") + '\0' + "b";
     flash.write("file", content);
-    EXPECT_EQ(StorageFile("/tmp/FL0/file").readAll(), content);
+    EXPECT_EQ(readStorageFile("/tmp/FL0/file").text(), content);
 }
 
-TEST_F(StorageFileTest, LargeFileIsReadWhole) {
+TEST_F(ReadStorageFileTest, LargeFileIsReadWhole) {
     std::string content(6'000'001, 'x');
     content.back() = 'y';
     flash.write("file", content);
-    EXPECT_TRUE(StorageFile("/tmp/FL0/file").readAll() == content);
+    EXPECT_TRUE(readStorageFile("/tmp/FL0/file").text() == content);
 }
 
-TEST_F(StorageFileTest, FilesThatCannotBeReadAreEmpty) {
+TEST_F(ReadStorageFileTest, FilesThatCannotBeReadAreEmpty) {
     flash.write("empty", "");
-    EXPECT_EQ(StorageFile("/tmp/FL0/empty").readAll(), "");
-    EXPECT_EQ(StorageFile("/tmp/FL0/missing").readAll(), "");
-    EXPECT_EQ(StorageFile("/tmp/FL0/").readAll(), "");
-    EXPECT_EQ(StorageFile("").readAll(), "");
+    EXPECT_EQ(readStorageFile("/tmp/FL0/empty").text(), "");
+    EXPECT_EQ(readStorageFile("/tmp/FL0/missing").text(), "");
+    EXPECT_EQ(readStorageFile("/tmp/FL0/").text(), "");
+    EXPECT_EQ(readStorageFile("").text(), "");
 }
 
-TEST_F(StorageFileTest, FileWithoutASizeIsReadToItsEnd) {
+TEST_F(ReadStorageFileTest, FileWithoutASizeIsReadToItsEnd) {
     ASSERT_EQ(mkfifo("/tmp/FL0/fifo", 0600), 0);
     const std::string content(200'000, 'x');
     auto written =
         std::async(std::launch::async, [&] { std::ofstream("/tmp/FL0/fifo") << content; });
-    EXPECT_TRUE(StorageFile("/tmp/FL0/fifo").readAll() == content);
+    EXPECT_TRUE(readStorageFile("/tmp/FL0/fifo").text() == content);
 }
 
-TEST_F(StorageFileTest, ReadThatASignalInterruptsIsDoneAgain) {
+TEST_F(ReadStorageFileTest, ReadThatASignalInterruptsIsDoneAgain) {
     ASSERT_EQ(mkfifo("/tmp/FL0/fifo", 0600), 0);
     struct sigaction interrupting {};
     interrupting.sa_handler = [](int) { ++interruptions; };
     struct sigaction original {};
     sigaction(SIGUSR1, &interrupting, &original);
     std::string read;
-    std::jthread reader([&] { read = StorageFile("/tmp/FL0/fifo").readAll(); });
+    std::jthread reader([&] { read = readStorageFile("/tmp/FL0/fifo").text(); });
     std::ofstream writer("/tmp/FL0/fifo");
     // Again and again: the first may come before the reader waits.
     ASSERT_TRUE(eventually([&] {
@@ -75,18 +75,18 @@ TEST_F(StorageFileTest, ReadThatASignalInterruptsIsDoneAgain) {
 }
 
 // Its time does not fit into 32 bits, nor does a 32-bit system tell its size.
-TEST_F(StorageFileTest, FileChangedAfter2038IsReadWhole) {
+TEST_F(ReadStorageFileTest, FileChangedAfter2038IsReadWhole) {
     const std::string content(200'000, 'x');
     flash.write("file", content);
     ASSERT_EQ(std::system("touch -d 2040-01-01 /tmp/FL0/file"), 0);
-    EXPECT_TRUE(StorageFile("/tmp/FL0/file").readAll() == content);
+    EXPECT_TRUE(readStorageFile("/tmp/FL0/file").text() == content);
 }
 
-TEST_F(StorageFileTest, NoDescriptorIsKept) {
+TEST_F(ReadStorageFileTest, NoDescriptorIsKept) {
     flash.write("file", "content");
     const std::size_t before = openDescriptors();
-    EXPECT_EQ(StorageFile("/tmp/FL0/file").readAll(), "content");
-    EXPECT_EQ(StorageFile("/tmp/FL0/missing").readAll(), "");
+    EXPECT_EQ(readStorageFile("/tmp/FL0/file").text(), "content");
+    EXPECT_EQ(readStorageFile("/tmp/FL0/missing").text(), "");
     EXPECT_EQ(openDescriptors(), before);
 }
 
