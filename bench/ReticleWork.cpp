@@ -4,7 +4,9 @@
 #include <json/writer.h>
 
 #include <cstdio>
+#include <cstring>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -31,42 +33,19 @@ Json::Value parse(std::string_view text) {
     return value;
 }
 
-std::string write(const Json::Value& value) {
-    static const Json::StreamWriterBuilder writer;
-    return Json::writeString(writer, value);
-}
-
-std::string putColour(const std::string& text, const std::string& colour) {
+std::string putColour(std::string_view text, const std::string& colour) {
     std::string result;
     result.reserve(text.size());
-    std::size_t copied = 0;
-    for (std::size_t found = text.find(PLACEHOLDER); found != std::string::npos;
-         found = text.find(PLACEHOLDER, copied)) {
-        result.append(text, copied, found - copied).append(1, '"').append(colour).append(1, '"');
-        copied = found + PLACEHOLDER.size();
+    for (;;) {
+        const void* found =
+            memmem(text.data(), text.size(), PLACEHOLDER.data(), PLACEHOLDER.size());
+        if (found == nullptr) {
+            return result.append(text);
+        }
+        const auto before = static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+        result.append(text, 0, before).append(1, '"').append(colour).append(1, '"');
+        text.remove_prefix(before + PLACEHOLDER.size());
     }
-    return result.append(text, copied);
-}
-
-Json::Value readReticle(Json::Value& entry) {
-    Json::Value record;
-    record["index"] = std::move(entry["index"]);
-    record["name"] = std::move(entry["name"]);
-    record["data"] =
-        putColour(readFile(std::string(STORAGE) + "reticle/" + entry["data"].asString()),
-                  entry["userColor"].asString());
-    record["isDeletable"] = entry["isDeletable"].asInt() != 0;
-    record["isActive"] = entry["isActive"].asInt() != 0;
-    return record;
-}
-
-Json::Value readReticles(const std::string& listName) {
-    Json::Value list = parse(readFile(STORAGE + listName));
-    Json::Value reticles(Json::arrayValue);
-    for (Json::Value& entry : list[0]["reticles"]) {
-        reticles.append(readReticle(entry));
-    }
-    return reticles;
 }
 
 Json::Value makeMessage(int id, const Json::Value& parameter) {
@@ -78,7 +57,16 @@ Json::Value makeMessage(int id, const Json::Value& parameter) {
 
 }  // namespace
 
-ReticleWork::ReticleWork(int requestParses) : _requestParses(requestParses) {}
+std::string ReticleWork::libraryText(const Json::Value& value) {
+    static const std::unique_ptr<Json::StreamWriter> writer(
+        Json::StreamWriterBuilder().newStreamWriter());
+    std::ostringstream text;
+    writer->write(value, &text);
+    return std::move(text).str();
+}
+
+ReticleWork::ReticleWork(int requestParses, Writer write)
+    : _requestParses(requestParses), _write(write) {}
 
 std::shared_ptr<const std::string> ReticleWork::reply(const std::string& request) {
     Json::Value command = parse(request);
@@ -99,9 +87,30 @@ std::shared_ptr<const std::string> ReticleWork::reply(const std::string& request
     listRequest["msg_id"] = 76;
     listRequest["param_get"] = "";
     Json::Value response;
-    response["reticles"] = readReticles(_exchange(listRequest)["param"].asString());
+    response["reticles"] = _readReticles(_exchange(listRequest)["param"].asString());
     response["result"] = "OK";
-    return std::make_shared<const std::string>(write(response));
+    return std::make_shared<const std::string>(_write(response));
+}
+
+Json::Value ReticleWork::_readReticles(const std::string& listName) {
+    Json::Value list = parse(readFile(STORAGE + listName, _file));
+    Json::Value reticles(Json::arrayValue);
+    for (Json::Value& entry : list[0]["reticles"]) {
+        reticles.append(_readReticle(entry));
+    }
+    return reticles;
+}
+
+Json::Value ReticleWork::_readReticle(Json::Value& entry) {
+    Json::Value record;
+    record["index"] = std::move(entry["index"]);
+    record["name"] = std::move(entry["name"]);
+    record["data"] =
+        putColour(readFile(std::string(STORAGE) + "reticle/" + entry["data"].asString(), _file),
+                  entry["userColor"].asString());
+    record["isDeletable"] = entry["isDeletable"].asInt() != 0;
+    record["isActive"] = entry["isActive"].asInt() != 0;
+    return record;
 }
 
 void ReticleWork::_addReticles(const Json::Value& records) {
@@ -126,7 +135,7 @@ void ReticleWork::_addReticles(const Json::Value& records) {
 Json::Value ReticleWork::_exchange(const Json::Value& message) {
     Json::Value request(Json::arrayValue);
     request.append(message);
-    Json::Value answer = parse(_rtos.exchange(write(request)));
+    Json::Value answer = parse(_rtos.exchange(_write(request)));
     if (answer[0]["ret_val"].asInt() != 0) {
         throw std::runtime_error("refused by the RTOS");
     }

@@ -15,10 +15,11 @@ MOST_CONNECTIONS = 8
 SERVICE = "service"
 LIMIT = "limit-work"
 LIMIT_THREADS = "limit-work --threads"
+COPY = "limit-copy"
 LIMIT_PARSES = "limit-work --threads --parses 3"  # isJson, the director and the builder
 RELAY = "limit-relay"
 PEER = "asyncio"
-CONTENDERS = (SERVICE, LIMIT, LIMIT_THREADS, RELAY, PEER)
+CONTENDERS = (SERVICE, LIMIT, COPY, LIMIT_THREADS, RELAY, PEER)
 
 
 class ReplyError(Exception):

@@ -5,23 +5,24 @@ import contenders as who
 
 GOALS_SMALL = {who.LIMIT: 1.25, who.LIMIT_THREADS: 1.12, who.RELAY: 2.0, who.PEER: 0.60}
 GOALS_SMALL_SHARED = {who.LIMIT: 1.15, who.LIMIT_THREADS: 1.10, who.RELAY: 2.2, who.PEER: 0.60}
-GOALS_LIST = {who.LIMIT: 1.05, who.LIMIT_THREADS: 1.05, who.PEER: 0.70}
+GOALS_LIST = {who.LIMIT: 0.75, who.COPY: 1.15, who.PEER: 0.50}
+GOALS_LIST_SHARED = {who.LIMIT: 0.80, who.COPY: 1.20, who.PEER: 0.55}
+GOALS_LISTS = {"1": GOALS_LIST, "4": GOALS_LIST_SHARED, "8": GOALS_LIST_SHARED}
 GOALS_ADD_LARGE = {who.LIMIT_PARSES: 1.03}
 GOALS = {
     "activate": {"1": GOALS_SMALL, "4": GOALS_SMALL_SHARED, "8": GOALS_SMALL_SHARED},
     "list 1 x 1 KB": {"1": GOALS_SMALL},
-    "list 10 x 10 KB": dict.fromkeys("148", GOALS_LIST),
-    "list 100 x 10 KB": dict.fromkeys("148", GOALS_LIST),
-    "list 50 x 100 KB": dict.fromkeys("148", GOALS_LIST),
-    "list 1000 x 1 KB": dict.fromkeys(
-        "148", {who.LIMIT: 1.10, who.LIMIT_THREADS: 1.08, who.PEER: 0.85}),
+    "list 10 x 10 KB": GOALS_LISTS,
+    "list 100 x 10 KB": GOALS_LISTS,
+    "list 50 x 100 KB": {**GOALS_LISTS, "1": {who.LIMIT: 0.85, who.COPY: 1.20, who.PEER: 0.55}},
+    "list 1000 x 1 KB": {**GOALS_LISTS, "1": {who.LIMIT: 1.00, who.COPY: 1.15, who.PEER: 0.75}},
     "add 1 KB": dict.fromkeys(
         "148", {who.LIMIT: 1.40, who.LIMIT_THREADS: 1.25, who.RELAY: 3.0, who.PEER: 0.70}),
     "add 1 MB": dict.fromkeys("148", GOALS_ADD_LARGE),
     "delete of 10": dict.fromkeys(
         "148", {who.LIMIT: 1.22, who.LIMIT_THREADS: 1.18, who.RELAY: 1.9, who.PEER: 0.70}),
 }
-OTHERS = (who.LIMIT, who.LIMIT_THREADS, who.RELAY, who.PEER)
+OTHERS = (who.LIMIT, who.COPY, who.LIMIT_THREADS, who.RELAY, who.PEER)
 
 # Figure, unit, goal (at most); in the order of the table.
 FIGURES = (
