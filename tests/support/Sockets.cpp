@@ -45,13 +45,14 @@ FileDescriptor sockets::listenOn(std::uint16_t port) {
     return listener;
 }
 
-FileDescriptor sockets::connectTo(std::uint16_t port, int receiveBufferBytes) {
+FileDescriptor sockets::connectTo(std::uint16_t port, int receiveBufferBytes, const char* host) {
     FileDescriptor socket = newSocket();
     if (receiveBufferBytes > 0) {
         setsockopt(socket.get(), SOL_SOCKET, SO_RCVBUF, &receiveBufferBytes,
                    sizeof receiveBufferBytes);
     }
-    const sockaddr_in address = loopback(port);
+    sockaddr_in address = loopback(port);
+    address.sin_addr.s_addr = inet_addr(host);
     require(connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
             "connect to", port);
     return socket;

@@ -10,9 +10,10 @@ namespace sockets {
 /// Listens on 127.0.0.1. The port is not shared (no SO_REUSEPORT).
 [[nodiscard]] FileDescriptor listenOn(std::uint16_t port);
 
-/// Connects to 127.0.0.1. A `receiveBufferBytes` other than 0 makes the kernel's receive buffer
-/// that small, so that little can be sent to us while we do not read.
-[[nodiscard]] FileDescriptor connectTo(std::uint16_t port, int receiveBufferBytes = 0);
+/// Connects. A `receiveBufferBytes` other than 0 makes the kernel's receive buffer that small, so
+/// that little can be sent to us while we do not read.
+[[nodiscard]] FileDescriptor connectTo(std::uint16_t port, int receiveBufferBytes = 0,
+                                       const char* address = "127.0.0.1");
 
 /// Begins to connect to 127.0.0.1 and does not wait: a listener with many in its queue makes the
 /// kernel try again for seconds. The socket stays non-blocking.

@@ -104,6 +104,15 @@ TEST_F(AddOrUpdateTest, DataWaitInFilesFromTheFirstRequestToTheLastAnswer) {
     expectList();
 }
 
+TEST_F(AddOrUpdateTest, TextsEndAtAZeroCharacter) {
+    client.sendFrame(R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[
+{"name":"A\u0000x","data":"<a/>\u0000x"}]})");
+    EXPECT_EQ(rtos.receiveRequest(), ADD_A_FROM_FILE_0);
+    EXPECT_EQ(flash.read("new_reticle_data0"), "<a/>");
+    rtos.answer(DONE);
+    expectList();
+}
+
 TEST_F(AddOrUpdateTest, NumbersStartAgainAfterACompletedRequest) {
     for (int i = 0; i < 2; ++i) {
         client.sendFrame(ADD_ONE);

@@ -6,6 +6,7 @@
 
 #include "tests/support/Ports.h"
 #include "tests/system/ForegroundService.h"
+#include "tests/system/OrdinaryUser.h"
 #include "tests/system/SystemTest.h"
 
 namespace {
@@ -28,6 +29,12 @@ protected:
             "enable name=posix/io/net/" + call + ",failinfo=" + std::to_string(error);
         return {"fiu-run", "-x", "-c", fault, "-f", "", programs::RETICLED_FOREGROUND};
     }
+
+    static std::vector<std::string> withThreads(int count) {
+        constexpr OrdinaryUser USER{58935};
+        return USER.command({"prlimit", "--nproc=" + std::to_string(count) + ":",
+                             OrdinaryUser::foregroundProgram()});
+    }
 };
 
 TEST_F(FailingStartTest, WithoutASocket) {
@@ -45,6 +52,15 @@ TEST_F(FailingStartTest, WithoutTheRightToThePort) {
 TEST_F(FailingStartTest, WhenSomebodyElseListensFirst) {
     expectEnd(whereCallFails("listen", EADDRINUSE),
               "Address already in use: Address already in use\n");
+}
+
+TEST_F(FailingStartTest, WithoutASecondThread) {
+    // The main thread and the worker.
+    expectEnd(withThreads(2), "");
+}
+
+TEST_F(FailingStartTest, WithoutAThirdThread) {
+    expectEnd(withThreads(3), "");
 }
 
 // A limit of stacks is the size of every thread's stack: more than there are addresses.

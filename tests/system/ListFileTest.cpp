@@ -217,6 +217,38 @@ TEST_F(ListFileTest, FlagsMayBeNumbersBooleansOrNull) {
     EXPECT_EQ(listErrors(), "");
 }
 
+TEST_F(ListFileTest, WhatCouldBeReadOfABrokenFileCounts) {
+    std::string broken(exchanges::ONE_DOT_LIST);
+    broken.back() = '}';
+    EXPECT_EQ(replyToList(broken), exchanges::ONE_DOT_REPLY);
+    EXPECT_EQ(listErrors(), "");
+}
+
+TEST_F(ListFileTest, TextsEndAtAZeroCharacter) {
+    flash.write("list.json",
+                R"([{"reticles":[{"index":1,"name":"Dot\u0000x","data":"dot.svg\u0000x",
+"userColor":"red\u0000x","isDeletable":1,"isActive":0}]}])");
+    EXPECT_EQ(replyTo(R"([{"param":"list.json\u0000x","ret_val":0}])"), exchanges::ONE_DOT_REPLY);
+}
+
+TEST_F(ListFileTest, NumbersKeepSeventeenDigits) {
+    EXPECT_EQ(replyToList(R"([{"reticles":[
+{"index":0.1,"name":"Dot","data":"dot.svg","userColor":"red","isDeletable":1,"isActive":0}]}])"),
+              R"({
+	"result" : "OK",
+	"reticles" : 
+	[
+		{
+			"data" : "<circle fill=\"red\"/>",
+			"index" : 0.10000000000000001,
+			"isActive" : false,
+			"isDeletable" : true,
+			"name" : "Dot"
+		}
+	]
+})");
+}
+
 TEST_F(ListFileTest, DollarSignsInAColourAreEscapes) {
     EXPECT_EQ(replyToList(R"([{"reticles":[
 {"index":1,"name":"Dot","data":"dot.svg","userColor":"$$ $& $1","isDeletable":1,"isActive":0}]}])"),

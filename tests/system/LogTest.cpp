@@ -1,7 +1,11 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <list>
 #include <map>
 #include <string>
@@ -231,6 +235,49 @@ std::map<std::string, int> countKnownLines(std::string_view text) {
         text.remove_prefix(line->size());
     }
     return counts;
+}
+
+/// A pipe that keeps what is written at a time apart.
+class PacketPipe {
+public:
+    PacketPipe() {
+        std::array<int, 2> ends{};
+        // Inherited by the service.
+        const int result = pipe2(ends.data(), O_DIRECT);
+        _reading = FileDescriptor(result < 0 ? result : ends[0], "pipe2");
+        _writing = FileDescriptor(ends[1], "pipe2");
+    }
+
+    /// What the next write has written; "" when there is none.
+    [[nodiscard]] std::string read() const {
+        pollfd readable{_reading.get(), POLLIN, 0};
+        std::string bytes(PIPE_BUF, '\0');
+        const bool isThere = poll(&readable, 1, std::chrono::milliseconds(PATIENCE).count()) == 1;
+        const ssize_t count = isThere ? ::read(_reading.get(), bytes.data(), bytes.size()) : 0;
+        bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        return bytes;
+    }
+
+    [[nodiscard]] std::string writingEnd() const { return std::to_string(_writing.get()); }
+
+private:
+    FileDescriptor _reading;
+    FileDescriptor _writing;
+};
+
+using LogWritesTest = SystemTest;
+
+// Lines of other programs in the same file or journal must not come in between.
+TEST_F(LogWritesTest, EachErrorLineIsOneWrite) {
+    const PacketPipe errors;
+    ForegroundService service(
+        {"bash", "-c", R"(exec "$0" 2>&"$1")", programs::RETICLED_FOREGROUND, errors.writingEnd()});
+    service.waitUntilListening();
+    FrameClient client;
+    client.sendFrame(GET_ALL);
+    EXPECT_EQ(errors.read(), "Connection refused: Connection refused\n");
+    EXPECT_EQ(errors.read(),
+              "_handlerRoutine, exception: Error on attempt to connect to local tcp server \n");
 }
 
 TEST_F(LogLinesTest, LinesOfManyThreadsDoNotMix) {

@@ -178,6 +178,14 @@ TEST_F(RtosLinkTest, GarbageCostsTheReplyAndKeepsTheLink) {
     expectServed(client(), rtos);
 }
 
+// And not only when the time-out says that no more will come.
+TEST_F(RtosLinkTest, AnswerIsTakenAsSoonAsItIsThere) {
+    ScriptedRtos rtos;
+    const auto asked = std::chrono::steady_clock::now();
+    expectServed(client(), rtos);
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, ANSWER_TIMEOUT);
+}
+
 TEST_F(RtosLinkTest, AnswerOf1024BytesIsRead) {
     ScriptedRtos rtos;
     ask(rtos);

@@ -65,6 +65,11 @@ TEST_F(SlowReaderTest, SlowReaderIsServedToTheEnd) {
     expectServed(slow, rtos);
 }
 
+TEST_F(SlowReaderTest, ReplyIsLoggedBeforeItIsSent) {
+    // Nothing is read: the reply cannot have been sent.
+    EXPECT_TRUE(service.hasProgress("responseThread: msg to send = {\n\t\"result\" : \"OK\""));
+}
+
 // Named apart from the others: the one test that lasts half a minute, started first.
 class StalledReaderTest : public SlowReaderTest {};
 

@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 #include "tests/support/Patience.h"
 #include "tests/support/Ports.h"
@@ -148,6 +151,31 @@ TEST_F(StartUpTest, SecondServiceOfTheSameUserSharesThePort) {
     FrameClient client;
     exchanges::expectServed(client, rtos);
     EXPECT_EQ(second.errors(), "json value: 6\n");
+}
+
+TEST_F(StartUpTest, ClientsComeByAnyAddress) {
+    ForegroundService service;
+    service.waitUntilListening();
+    // Another one of this machine.
+    const FileDescriptor client = sockets::connectTo(CLIENT_PORT, 0, "127.0.0.2");
+    constexpr std::size_t WITH_THE_CLIENT = 6;
+    EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == WITH_THE_CLIENT; }));
+}
+
+// Ten, and the kernel adds one.
+TEST_F(StartUpTest, ElevenClientsMayWaitToBeAccepted) {
+    constexpr int CONNECTED_WITHIN_MS = 1000;
+    ForegroundService service;
+    service.waitUntilListening();
+    kill(service.pid(), SIGSTOP);
+    EXPECT_TRUE(eventually([&] { return service.info().isStopped(); }));
+    std::vector<FileDescriptor> clients;
+    pollfd last{};
+    do {
+        clients.push_back(sockets::startConnectingTo(CLIENT_PORT));
+        last = {clients.back().get(), POLLOUT, 0};
+    } while (poll(&last, 1, CONNECTED_WITHIN_MS) == 1);
+    EXPECT_EQ(clients.size() - 1, 11);
 }
 
 TEST_F(StartUpTest, HighDescriptorLimitCostsNoTime) {

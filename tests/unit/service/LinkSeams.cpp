@@ -1,16 +1,20 @@
 #include "tests/unit/service/LinkSeams.h"
 
+#include <sys/types.h>
+
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <new>
 #include <thread>
+#include <utility>
 
 namespace seams {
 namespace {
 
 std::atomic<std::size_t> refusedBytes{SIZE_MAX};
+thread_local std::function<void()> beforeRead;
 
 void* allocate(std::size_t bytes, void* (*real)(std::size_t)) {
     dawdle(dawdleBeforeAllocation);
@@ -43,6 +47,14 @@ MemoryShortage::~MemoryShortage() {
     refusedBytes = SIZE_MAX;
 }
 
+BeforeRead::BeforeRead(std::function<void()> action) {
+    beforeRead = std::move(action);
+}
+
+BeforeRead::~BeforeRead() {
+    beforeRead = nullptr;
+}
+
 }  // namespace seams
 
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): names that the linker
@@ -56,6 +68,15 @@ void __wrap__ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE(
     std::condition_variable* condition, std::unique_lock<std::mutex>* lock) {
     seams::dawdle(seams::dawdleBeforeWait);
     __real__ZNSt18condition_variable4waitERSt11unique_lockISt5mutexE(condition, lock);
+}
+
+ssize_t __real_read(int descriptor, void* buffer, std::size_t size);
+
+ssize_t __wrap_read(int descriptor, void* buffer, std::size_t size) {
+    if (seams::beforeRead) {
+        seams::beforeRead();
+    }
+    return __real_read(descriptor, buffer, size);
 }
 
 // What std::size_t is called within the names of the two operators differs by platform.

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 
 /// Places where the linker puts a function of ours in front of one of the library's (see
 /// CMakeLists.txt), so that a test can bring about what is rare: nothing else is changed.
@@ -22,6 +23,15 @@ public:
     MemoryShortage(const MemoryShortage&) = delete;
     MemoryShortage& operator=(const MemoryShortage&) = delete;
     ~MemoryShortage();
+};
+
+/// While it lives, each `read` of this thread is preceded by what the test says.
+class BeforeRead {
+public:
+    explicit BeforeRead(std::function<void()> action);
+    BeforeRead(const BeforeRead&) = delete;
+    BeforeRead& operator=(const BeforeRead&) = delete;
+    ~BeforeRead();
 };
 
 }  // namespace seams

@@ -229,6 +229,18 @@ TEST_F(NetCommunicatorTest, BodyThatThereIsNoMemoryForCostsItsClientTheConnectio
     EXPECT_EQ(read(frame(SYNC, "00 0F 42 3F", "{}")), Bodies{"{}"});
 }
 
+TEST_F(NetCommunicatorTest, ReaderThatThereIsNoMemoryForCostsItsClientTheConnection) {
+    Pair pair = connectedPair();
+    const int service = dup(pair.service.get());
+    pair.service.close();
+    {
+        const seams::MemoryShortage shortage(1);
+        Peer::startReader(net, service);
+    }
+    EXPECT_TRUE(pair.client.seesEnd());
+    EXPECT_EQ(output.err(), "_serverRoutine, exception: std::bad_alloc\n");
+}
+
 TEST_F(NetCommunicatorTest, ReplyGoesOutAsAFrame) {
     Pair pair = connectedPair();
     queueReply(pair.service.get(), "{}");

@@ -13,6 +13,7 @@
 #include "tests/support/FlashFiles.h"
 #include "tests/support/Patience.h"
 #include "tests/unit/service/DescriptorLimit.h"
+#include "tests/unit/service/LinkSeams.h"
 
 namespace reticled {
 namespace {
@@ -80,6 +81,14 @@ TEST_F(ReadStorageFileTest, FileChangedAfter2038IsReadWhole) {
     flash.write("file", content);
     ASSERT_EQ(std::system("touch -d 2040-01-01 /tmp/FL0/file"), 0);
     EXPECT_TRUE(readStorageFile("/tmp/FL0/file").text() == content);
+}
+
+// The RTOS may be writing on: a file that grows as fast as it is read would have no end.
+TEST_F(ReadStorageFileTest, FileThatGrowsMeanwhileIsReadToTheSizeThatItHad) {
+    flash.write("file", "content");
+    const seams::BeforeRead growing(
+        [] { std::ofstream("/tmp/FL0/file", std::ios::app) << " and more"; });
+    EXPECT_EQ(readStorageFile("/tmp/FL0/file").text(), "content");
 }
 
 TEST_F(ReadStorageFileTest, NoDescriptorIsKept) {

@@ -117,6 +117,11 @@ TEST_F(ReticleListTest, LastNameInTheAnswerCounts) {
     EXPECT_EQ(replyTo(R"({"b":{"param":"list"},"a":{"param":"wrong"}})"), ONE_DOT);
 }
 
+TEST_F(ReticleListTest, WhatCouldBeReadOfABrokenAnswerCounts) {
+    flash.write("list", transcripts::ONE_DOT_LIST);
+    EXPECT_EQ(replyTo(R"([{"param":"list"},)"), ONE_DOT);
+}
+
 TEST_F(ReticleListTest, NameAtTheTopLevelIsNone) {
     EXPECT_EQ(replyTo(R"({"param":"list.json"})"), NO_RETICLES);
     EXPECT_EQ(output.err(), UNPARSABLE);
