@@ -40,14 +40,26 @@ bool isShortageError(int error) {
 }
 
 /// Fills `buffer` from the connection; less only when the client leaves meanwhile.
-/// \return the number of bytes, 0 or less at the connection's end, which is reported if it is an
-/// error.
+/// \return the number of bytes, 0 at the connection's end, -1 after an error, which is reported.
 ssize_t receive(int socket, void* buffer, std::size_t size) {
-    const ssize_t received = recv(socket, buffer, size, MSG_WAITALL);
-    if (received < 0) {
-        logSystemError(errno);
+    std::size_t received = 0;
+    while (received < size) {
+        // A stopped or frozen process and a debugger interrupt it: it then returns a part, or none.
+        const ssize_t count =
+            recv(socket, static_cast<char*>(buffer) + received, size - received, MSG_WAITALL);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            logSystemError(errno);
+            return -1;
+        }
+        if (count == 0) {
+            break;
+        }
+        received += static_cast<std::size_t>(count);
     }
-    return received;
+    return static_cast<ssize_t>(received);
 }
 
 /// \return nothing at the connection's end.

@@ -5,6 +5,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <iostream>
 #include <stdexcept>
@@ -12,6 +13,12 @@
 #include "base/Log.h"
 
 namespace reticled {
+namespace {
+
+/// None at all would be taken for no limit. An answer that is there already needs no time.
+constexpr std::chrono::microseconds SHORTEST_RECV_TIMEOUT{1};
+
+}  // namespace
 
 LocalCommunicator::LocalCommunicator() : _socket(socket(AF_INET, SOCK_STREAM, 0)) {
     if (_socket < 0) {
@@ -22,7 +29,7 @@ LocalCommunicator::LocalCommunicator() : _socket(socket(AF_INET, SOCK_STREAM, 0)
     _serverAddr.sin_family = AF_INET;
     _serverAddr.sin_addr.s_addr = inet_addr(RTOS_ADDRESS);
     _serverAddr.sin_port = htons(RTOS_PORT);
-    _setRecvTimeout();
+    _setRecvTimeout(RTOS_RECV_TIMEOUT);
     _recvJson.reserve(RTOS_BUFFER_SIZE);
 }
 
@@ -57,8 +64,9 @@ bool LocalCommunicator::_isRecvJsonValid() const {
     return JsonRetriever::isJson(_recvJson);
 }
 
-void LocalCommunicator::_setRecvTimeout() const {
-    const timeval timeout{.tv_sec = RTOS_RECV_TIMEOUT_S, .tv_usec = 0};
+void LocalCommunicator::_setRecvTimeout(std::chrono::microseconds duration) const {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(duration);
+    const timeval timeout{.tv_sec = seconds.count(), .tv_usec = (duration - seconds).count()};
     if (setsockopt(_socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout) < 0) {
         logSystemError(errno);
     }
@@ -86,8 +94,24 @@ void LocalCommunicator::_send(const std::string& request) const {
     }
 }
 
+ssize_t LocalCommunicator::_waitForAnswer() {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + RTOS_RECV_TIMEOUT;
+    ssize_t received = recv(_socket, _buffer.data(), RTOS_BUFFER_SIZE, 0);
+    // A stopped or frozen process and a debugger interrupt it.
+    while (received < 0 && errno == EINTR) {
+        const auto rest = std::chrono::ceil<std::chrono::microseconds>(deadline - Clock::now());
+        _setRecvTimeout(std::max(rest, SHORTEST_RECV_TIMEOUT));
+        received = recv(_socket, _buffer.data(), RTOS_BUFFER_SIZE, 0);
+        const int error = errno;
+        _setRecvTimeout(RTOS_RECV_TIMEOUT);
+        errno = error;
+    }
+    return received;
+}
+
 void LocalCommunicator::_receive() {
-    const ssize_t received = recv(_socket, _buffer.data(), RTOS_BUFFER_SIZE, 0);
+    const ssize_t received = _waitForAnswer();
     if (received < 0) {
         logSystemError(errno);
         close();

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <netinet/in.h>
+#include <sys/types.h>
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -17,7 +19,7 @@ inline constexpr int RTOS_PORT = 3425;
 /// Longest answer of the RTOS.
 inline constexpr int RTOS_BUFFER_SIZE = 1024;
 /// How long the RTOS may take for an answer.
-inline constexpr int RTOS_RECV_TIMEOUT_S = 5;
+inline constexpr std::chrono::seconds RTOS_RECV_TIMEOUT{5};
 
 /// The link to the RTOS: one TCP connection, opened by the first exchange and kept.
 ///
@@ -50,9 +52,11 @@ public:
 private:
     friend struct LocalCommunicatorTestPeer;
 
-    void _setRecvTimeout() const;
+    void _setRecvTimeout(std::chrono::microseconds duration) const;
     void _connectOnce();
     void _send(const std::string& request) const;
+    /// Receives into _buffer, within RTOS_RECV_TIMEOUT however often it is interrupted. \return what recv does.
+    [[nodiscard]] ssize_t _waitForAnswer();
     void _receive();
 
     int _socket;

@@ -2,13 +2,19 @@
 #include <sys/socket.h>
 #include <sys/time.h>
 
+#include <chrono>
+#include <csignal>
+#include <cstdint>
 #include <future>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include "rtos/LocalCommunicator.h"
+#include "tests/support/Patience.h"
 #include "tests/support/ScriptedRtos.h"
 #include "tests/support/Text.h"
 #include "tests/unit/service/DescriptorLimit.h"
@@ -59,6 +65,13 @@ protected:
         expectThrow<std::runtime_error>([&] { static_cast<void>(exchange(answer)); }, text);
     }
 
+    [[nodiscard]] std::int64_t timeoutMicroseconds() const {
+        timeval timeout{};
+        socklen_t size = sizeof timeout;
+        EXPECT_EQ(getsockopt(Peer::socket(link), SOL_SOCKET, SO_RCVTIMEO, &timeout, &size), 0);
+        return timeout.tv_sec * std::int64_t{1'000'000} + timeout.tv_usec;
+    }
+
     OutputCapture output;
     ScriptedRtos rtos;
     LocalCommunicator link;
@@ -85,11 +98,7 @@ TEST_F(LocalCommunicatorTest, AllExchangesUseOneConnection) {
 }
 
 TEST_F(LocalCommunicatorTest, AnswerIsWaitedForFiveSeconds) {
-    timeval timeout{};
-    socklen_t size = sizeof timeout;
-    ASSERT_EQ(getsockopt(Peer::socket(link), SOL_SOCKET, SO_RCVTIMEO, &timeout, &size), 0);
-    EXPECT_EQ(timeout.tv_sec, 5);
-    EXPECT_EQ(timeout.tv_usec, 0);
+    EXPECT_EQ(timeoutMicroseconds(), 5'000'000);
 }
 
 TEST_F(LocalCommunicatorTest, SilentRtosLosesTheLinkForGood) {
@@ -108,6 +117,51 @@ TEST_F(LocalCommunicatorTest, SilentRtosLosesTheLinkForGood) {
               "Bad file descriptor: Bad file descriptor\n"
               "Bad file descriptor: Bad file descriptor\n");
     EXPECT_EQ(output.out(), "");
+}
+
+/// The exchange's system calls are interrupted by signals, as often as can be.
+class InterruptedExchangeTest : public LocalCommunicatorTest {
+protected:
+    InterruptedExchangeTest() {
+        struct sigaction ignoring {};
+        ignoring.sa_handler = [](int) {};
+        sigaction(SIGUSR1, &ignoring, nullptr);
+        std::packaged_task<std::string()> task([this] { return link.send_and_get(REQUEST); });
+        reply = task.get_future();
+        worker = std::jthread(std::move(task));
+        EXPECT_EQ(rtos.receiveRequest(), REQUEST);
+    }
+
+    /// Interrupts until the exchange has ended.
+    [[nodiscard]] testing::AssertionResult endsAlthoughInterrupted() {
+        const bool isEnded = eventually([this] {
+            pthread_kill(worker.native_handle(), SIGUSR1);
+            return reply.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        });
+        return isEnded ? testing::AssertionSuccess() : testing::AssertionFailure();
+    }
+
+    std::future<std::string> reply;
+    std::jthread worker;
+};
+
+TEST_F(InterruptedExchangeTest, GoesOnAndTheNextHasFiveSecondsAgain) {
+    EXPECT_TRUE(eventually([this] {
+        pthread_kill(worker.native_handle(), SIGUSR1);
+        return timeoutMicroseconds() < 5'000'000;
+    }));
+    rtos.answer(ANSWER);
+    EXPECT_EQ(reply.get(), ANSWER);
+    EXPECT_EQ(timeoutMicroseconds(), 5'000'000);
+    EXPECT_EQ(exchange("[]"), "[]");
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(InterruptedExchangeTest, IsNotProlonged) {
+    EXPECT_TRUE(endsAlthoughInterrupted());
+    expectThrow<std::runtime_error>([this] { static_cast<void>(reply.get()); }, NO_ANSWER);
+    EXPECT_EQ(output.err(), "Resource temporarily unavailable: Resource temporarily unavailable\n");
+    EXPECT_FALSE(Peer::isConnected(link));
 }
 
 TEST_F(LocalCommunicatorTest, RtosThatClosesLosesTheLinkForGood) {
