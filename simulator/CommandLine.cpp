@@ -1,7 +1,11 @@
 #include "simulator/CommandLine.h"
 
+#include <charconv>
+#include <iostream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -10,7 +14,9 @@ namespace sim {
 namespace {
 
 constexpr int USAGE_ERROR = 2;
+constexpr std::size_t LAST_PORT = 65'535;
 constexpr std::size_t MAX_RETICLES_LIMIT = 100'000;
+constexpr std::size_t MAX_BYTES_LIMIT = 1'000'000'000;
 
 constexpr const char* DESCRIPTION =
     "Simulates the real-time side of a sighting device: listens on 127.0.0.1 and keeps\n"
@@ -27,23 +33,46 @@ constexpr const char* SESSIONS_HELP =
     "is ended before all have come; it writes the session's files into the root, which should be\n"
     "empty at first.\n";
 
-/// Adds the options that take a session or make one, which exclude what would have no effect.
+CLI::Option* addNumber(CLI::App& app, const std::string& name, auto& variable, std::size_t min,
+                       std::size_t max, const std::string& description) {
+    const auto check = [min, max](const std::string& text) {
+        std::size_t number = 0;
+        const char* const end = text.data() + text.size();
+        const auto parsed = std::from_chars(text.data(), end, number);
+        const bool isGood =
+            parsed.ec == std::errc() && parsed.ptr == end && number >= min && number <= max;
+        return isGood ? ""
+                      : "\"" + text + "\" is not a number from " + std::to_string(min) + " to " +
+                            std::to_string(max);
+    };
+    return app.add_option(name, variable, description)->check(check)->capture_default_str();
+}
+
 void addSessionOptions(CLI::App& app, Options& options) {
     app.add_option("--record", options.recordFile, "Write a session while simulating")
         ->type_name("FILE");
     app.add_option("--replay", options.replayFile, "Play the device of a session")
-        ->type_name("FILE")
-        ->excludes("--record")
-        ->excludes("--reset")
-        ->excludes("--max-reticles")
-        ->excludes("--fault");
-    CLI::Option* const fromLog =
-        app.add_option("--from-log", options.fromLogFile, "Print the session of a service's log")
-            ->type_name("FILE");
-    for (const char* other : {"--record", "--replay", "--root", "--port", "--max-reticles",
-                              "--reset", "--verbose", "--fault"}) {
-        fromLog->excludes(other);
+        ->type_name("FILE");
+    app.add_option("--from-log", options.fromLogFile, "Print the session of a service's log")
+        ->type_name("FILE");
+}
+
+/// Refuses what would have no effect beside `option`.
+void requireNone(const CLI::App& app, const std::string& option,
+                 const std::vector<std::string>& others) {
+    for (const std::string& other : others) {
+        if (app.count(option) > 0 && app.count(other) > 0) {
+            throw CLI::ValidationError(other + " makes no sense with " + option);
+        }
     }
+}
+
+void requireSense(const CLI::App& app) {
+    requireNone(app, "--replay",
+                {"--record", "--max-reticles", "--max-bytes", "--reset", "--fault"});
+    requireNone(app, "--from-log",
+                {"--record", "--replay", "--root", "--port", "--max-reticles", "--max-bytes",
+                 "--reset", "--verbose", "--fault"});
 }
 
 std::string footer() {
@@ -69,6 +98,19 @@ std::vector<Fault> parseFaults(const std::vector<std::string>& texts) {
     return faults;
 }
 
+/// CLI11 ends the parsing by an exception for help and version as well.
+/// \return the exit status
+int endParsing(const CLI::App& app, const CLI::ParseError& end) {
+    if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        return app.exit(end);
+    }
+    const std::vector<std::string> unknown = app.remaining();
+    std::cerr << "rtos-sim: "
+              << (unknown.empty() ? end.what() : "unknown argument " + unknown.front())
+              << ": see rtos-sim --help" << std::endl;
+    return USAGE_ERROR;
+}
+
 }  // namespace
 
 std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& exitStatus) {
@@ -79,13 +121,14 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     app.add_option("--root", options.root, "Directory of the shared storage, made if missing")
         ->type_name("DIR")
         ->capture_default_str();
-    app.add_option("--port", options.port, "Port to listen on, 0 for any free one")
-        ->type_name("PORT")
-        ->capture_default_str();
-    app.add_option("--max-reticles", options.maxReticles, "How many reticles the device holds")
-        ->type_name("COUNT")
-        ->check(CLI::Range(std::size_t{1}, MAX_RETICLES_LIMIT))
-        ->capture_default_str();
+    addNumber(app, "--port", options.port, 0, LAST_PORT, "Port to listen on, 0 for any free one")
+        ->type_name("PORT");
+    addNumber(app, "--max-reticles", options.limits.reticles, 1, MAX_RETICLES_LIMIT,
+              "How many reticles the device holds")
+        ->type_name("COUNT");
+    addNumber(app, "--max-bytes", options.limits.bytes, 1, MAX_BYTES_LIMIT,
+              "How many bytes its list and all their data may take")
+        ->type_name("BYTES");
     app.add_flag("--reset", options.isReset, "Go back to the factory set before listening");
     app.add_flag("--verbose", options.isVerbose, "Print each exchange on standard error");
     std::vector<std::string> faults;
@@ -95,9 +138,10 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
     addSessionOptions(app, options);
     try {
         app.parse(argc, argv);
+        requireSense(app);
         options.faults = parseFaults(faults);
-    } catch (const CLI::ParseError& error) {
-        exitStatus = app.exit(error) == 0 ? 0 : USAGE_ERROR;
+    } catch (const CLI::ParseError& end) {
+        exitStatus = endParsing(app, end);
         return std::nullopt;
     }
     return options;

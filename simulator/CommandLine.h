@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "simulator/device/Device.h"
 #include "simulator/device/Fault.h"
 
 namespace sim {
@@ -14,7 +15,7 @@ namespace sim {
 struct Options {
     std::filesystem::path root = "/tmp/FL0";
     std::uint16_t port = 3425;  ///< 0 for any free one
-    std::size_t maxReticles = 32;
+    Limits limits;
     bool isReset = false;
     bool isVerbose = false;
     std::vector<Fault> faults;

@@ -87,7 +87,7 @@ int simulate(const sim::Options& options) {
     if (options.isReset) {
         sim::Device::restoreFactory(storage);
     }
-    sim::Device device(storage, options.maxReticles);
+    sim::Device device(storage, options.limits);
     sim::FaultyDevice faulty(device, storage, options.faults, std::cerr, options.isVerbose);
     const sim::ExchangeFunction exchange = [&faulty](const std::string& request) {
         return faulty.exchange(request);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 #include "simulator/base/JsonText.h"
@@ -49,15 +50,25 @@ Answer noSuchData(const Json::Value& message) {
                    compactJson(message["param3_data"]) + " names no file inside the root");
 }
 
+/// At the start, where nothing is refused.
+void requireWithin(std::size_t held, std::size_t limit, const std::string& what,
+                   const std::string& option) {
+    if (held > limit) {
+        throw std::runtime_error("the device holds " + std::to_string(held) + " " + what +
+                                 ", more than " + option + " " + std::to_string(limit));
+    }
+}
+
 }  // namespace
 
-Device::Device(Storage& storage, std::size_t maxReticles)
-    : _storage(storage), _maxReticles(maxReticles) {
+Device::Device(Storage& storage, const Limits& limits) : _storage(storage), _limits(limits) {
     std::optional<ReticleList> saved = storage.load();
     if (!saved) {
         restoreFactory(storage);
         saved = factoryReticles();
     }
+    requireWithin(saved->size(), limits.reticles, "reticles", "--max-reticles");
+    requireWithin(storage.bytesOf(*saved), limits.bytes, "bytes", "--max-bytes");
     _change(std::move(*saved));
 }
 
@@ -112,7 +123,7 @@ Answer Device::_add(const Json::Value& message) {
     if (auto refused = checkTexts(message)) {
         return *refused;
     }
-    if (_reticles.size() >= _maxReticles) {
+    if (_reticles.size() >= _limits.reticles) {
         return refusal(RETICLES_COUNT_OUT_OF_BOUNDS,
                        "the device holds " + std::to_string(_reticles.size()) + " reticles");
     }
@@ -125,8 +136,7 @@ Answer Device::_add(const Json::Value& message) {
     // Below `index` no number is missing, so that it is the new one's place in the list as well.
     next.insert(next.begin() + index, {index, message["param2_name"].asString(), *fileName,
                                        DEFAULT_USER_COLOR, true, false});
-    _change(std::move(next));
-    return {};
+    return _store(std::move(next));
 }
 
 Answer Device::_update(const Json::Value& message) {
@@ -148,8 +158,7 @@ Answer Device::_update(const Json::Value& message) {
     }
     reticle->name = message["param2_name"].asString();
     reticle->fileName = *fileName;
-    _change(std::move(next));
-    return {};
+    return _store(std::move(next));
 }
 
 Answer Device::_delete(const Json::Value& message) {
@@ -168,6 +177,19 @@ Answer Device::_delete(const Json::Value& message) {
                            (reticle->isActive ? " is the active one" : " came from the factory"));
     }
     next.erase(reticle);
+    _change(std::move(next));
+    return {};
+}
+
+/// Of new data, which is on the storage already.
+Answer Device::_store(ReticleList next) {
+    const std::size_t bytes = _storage.bytesOf(next);
+    if (bytes > _limits.bytes) {
+        _storage.removeUnlisted(_reticles);
+        return refusal(
+            RETICLES_COUNT_OUT_OF_BOUNDS,
+            std::to_string(bytes) + " bytes are more than " + std::to_string(_limits.bytes));
+    }
     _change(std::move(next));
     return {};
 }

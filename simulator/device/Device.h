@@ -2,6 +2,7 @@
 
 #include <json/value.h>
 
+#include <cstddef>
 #include <string>
 
 #include "simulator/device/Answer.h"
@@ -9,6 +10,12 @@
 #include "simulator/device/Storage.h"
 
 namespace sim {
+
+/// How much a device takes; an addition or update beyond is refused.
+struct Limits {
+    std::size_t reticles = 32;
+    std::size_t bytes = 64'000'000;  ///< of the list file and all reticles' data together
+};
 
 /// The device's real-time side: keeps the reticles and carries out the service's messages.
 ///
@@ -18,9 +25,8 @@ class Device {
 public:
     /// Takes up the state on `storage`, or the factory set where there is none.
     /// \param storage outlives the device
-    /// \param maxReticles how many reticles it holds; an addition beyond is refused
-    /// \throws std::runtime_error when the state cannot be read or written.
-    Device(Storage& storage, std::size_t maxReticles);
+    /// \throws std::runtime_error when the state cannot be read or written, or is beyond `limits`.
+    Device(Storage& storage, const Limits& limits);
 
     /// Writes the factory set over whatever state `storage` has.
     /// \throws std::runtime_error when it cannot be written.
@@ -37,10 +43,11 @@ private:
     [[nodiscard]] Answer _add(const Json::Value& message);
     [[nodiscard]] Answer _update(const Json::Value& message);
     [[nodiscard]] Answer _delete(const Json::Value& message);
+    [[nodiscard]] Answer _store(ReticleList next);
     void _change(ReticleList next);
 
     Storage& _storage;
-    std::size_t _maxReticles;
+    Limits _limits;
     ReticleList _reticles;
 };
 

@@ -4,9 +4,11 @@
 #include <exception>
 #include <iterator>
 #include <ostream>
+#include <stdexcept>
 #include <utility>
 
 #include "simulator/base/JsonText.h"
+#include "simulator/link/RequestSplitter.h"
 
 namespace sim {
 
@@ -50,6 +52,15 @@ void spoil(Delivery& delivery, const Fault& fault) {
     }
 }
 
+/// \throws std::runtime_error that says on one line what is wrong with `request`.
+Json::Value parse(const std::string& request) {
+    if (request.size() > RequestSplitter::MAX_REQUEST_BYTES) {
+        throw std::runtime_error("the request is longer than " +
+                                 std::to_string(RequestSplitter::MAX_REQUEST_BYTES) + " bytes");
+    }
+    return parseJson(request);
+}
+
 /// What the service receives, and when, in words.
 std::string describe(const Delivery& delivery) {
     std::string text = delivery.bytes.empty() ? "nothing" : delivery.bytes;
@@ -65,12 +76,16 @@ std::string describe(const Delivery& delivery) {
     return text;
 }
 
-/// `request` on one line: without its blanks, or quoted if it is not JSON.
+/// `request` on one line: without its blanks, or quoted and not too long if it is not JSON.
 std::string onOneLine(const std::string& request) {
+    constexpr std::size_t MAX_SHOWN_BYTES = 1000;
     try {
-        return compactJson(parseJson(request));
+        return compactJson(parse(request));
     } catch (const std::exception&) {
-        return "not JSON: " + compactJson(request);
+        return "not JSON: " + compactJson(request.substr(0, MAX_SHOWN_BYTES)) +
+               (request.size() > MAX_SHOWN_BYTES
+                    ? " ... (" + std::to_string(request.size()) + " bytes)"
+                    : "");
     }
 }
 
@@ -113,7 +128,7 @@ Answer FaultyDevice::_answer(const std::string& request, const std::vector<Fault
         }
     }
     try {
-        Answer answer = _device.answer(parseJson(request));
+        Answer answer = _device.answer(parse(request));
         if (answer.listFile) {
             for (const Fault& fault : faults) {
                 _spoilList(answer, fault);

@@ -63,7 +63,7 @@ std::optional<ReticleList> Storage::load() const {
 
 void Storage::save(const ReticleList& list) {
     replaceFile(_root / LIST_FILE, listText(list));
-    _removeUnlisted(list);
+    removeUnlisted(list);
 }
 
 void Storage::writeReticle(const std::string& fileName, std::string_view text) {
@@ -81,6 +81,29 @@ std::optional<std::string> Storage::takeNewData(const std::string& deviceName,
     fs::copy_file(*source, aside(target), fs::copy_options::overwrite_existing);
     fs::rename(aside(target), target);
     return fileName;
+}
+
+std::size_t Storage::bytesOf(const ReticleList& list) const {
+    std::size_t bytes = listText(list).size();
+    for (const Reticle& reticle : list) {
+        std::error_code missing;
+        const std::uintmax_t size = fs::file_size(_reticles / reticle.fileName, missing);
+        bytes += missing ? 0 : size;
+    }
+    return bytes;
+}
+
+void Storage::removeUnlisted(const ReticleList& list) {
+    std::vector<fs::path> unlisted;
+    for (const fs::directory_entry& entry : fs::directory_iterator(_reticles)) {
+        const std::string name = entry.path().filename().string();
+        if (isOurs(name) && !isNamed(list, name)) {
+            unlisted.push_back(entry.path());
+        }
+    }
+    for (const fs::path& path : unlisted) {
+        fs::remove(path);
+    }
 }
 
 void Storage::writeFaultyList(std::string_view text) {
@@ -104,19 +127,6 @@ std::optional<fs::path> Storage::_resolve(const std::string& deviceName) const {
         return std::nullopt;
     }
     return path;
-}
-
-void Storage::_removeUnlisted(const ReticleList& list) {
-    std::vector<fs::path> unlisted;
-    for (const fs::directory_entry& entry : fs::directory_iterator(_reticles)) {
-        const std::string name = entry.path().filename().string();
-        if (isOurs(name) && !isNamed(list, name)) {
-            unlisted.push_back(entry.path());
-        }
-    }
-    for (const fs::path& path : unlisted) {
-        fs::remove(path);
-    }
 }
 
 }  // namespace sim

@@ -47,6 +47,13 @@ public:
     [[nodiscard]] std::optional<std::string> takeNewData(const std::string& deviceName,
                                                          const ReticleList& list);
 
+    /// How much room `list` takes with the reticle files that it names; one that is not there
+    /// takes none.
+    [[nodiscard]] std::size_t bytesOf(const ReticleList& list) const;
+
+    /// Removes new data that `list` does not name, as `save` does.
+    void removeUnlisted(const ReticleList& list);
+
     /// Writes FAULTY_LIST_FILE.
     void writeFaultyList(std::string_view text);
 
@@ -56,7 +63,6 @@ public:
 private:
     [[nodiscard]] std::optional<std::filesystem::path> _resolve(
         const std::string& deviceName) const;
-    void _removeUnlisted(const ReticleList& list);
 
     std::filesystem::path _root;
     std::filesystem::path _reticles;

@@ -44,9 +44,6 @@ void Connection::_answerNext() {
     if (const std::optional<std::string> request = _requests.next()) {
         _delivery = _exchange(*request);
         _wait(_delivery.delay, &Connection::_sendFirst);
-    } else if (_requests.isTooLong()) {
-        _log << "rtos-sim: connection closed: a request has no end after "
-             << RequestSplitter::MAX_REQUEST_BYTES << " bytes" << std::endl;
     } else {
         _read();
     }

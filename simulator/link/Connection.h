@@ -20,9 +20,7 @@ namespace sim {
 class Connection : public std::enable_shared_from_this<Connection> {
 public:
     /// \param exchange asked for each request
-    /// \param log gets a line when the peer leaves amid a request or sends one without end;
-    /// outlives
-    ///        the connection
+    /// \param log gets a line when the peer leaves amid a request; outlives the connection
     Connection(asio::ip::tcp::socket socket, ExchangeFunction exchange, std::ostream& log);
 
     void start() { _read(); }

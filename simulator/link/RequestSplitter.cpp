@@ -7,6 +7,8 @@ namespace sim {
 namespace {
 
 constexpr const char* BLANKS = " \t\r\n";
+/// Of one text.
+constexpr std::size_t KEPT_BYTES = RequestSplitter::MAX_REQUEST_BYTES + 1;
 
 bool isOpening(char character) {
     return character == '[' || character == '{';
@@ -34,6 +36,8 @@ std::optional<std::string> RequestSplitter::next() {
             return _cut(_scanned);
         }
     }
+    _scanned = std::min(_scanned, KEPT_BYTES);
+    _pending.resize(_scanned);
     return std::nullopt;
 }
 
@@ -54,7 +58,7 @@ bool RequestSplitter::_endsTextWith(char character) {
 }
 
 std::string RequestSplitter::_cut(std::size_t size) {
-    std::string text = _pending.substr(0, size);
+    std::string text = _pending.substr(0, std::min(size, KEPT_BYTES));
     _pending.erase(0, size);
     _scanned = 0;
     return text;

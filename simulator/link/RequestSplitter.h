@@ -15,7 +15,9 @@ namespace sim {
 class RequestSplitter {
 public:
     /// A request carries a name and a path. The name comes from a client's frame of less than
-    /// 4 MiB and grows at most to this size when it is escaped.
+    /// 4 MiB; escaped, it grows threefold at most, but for control characters. A longer text is
+    /// handed out at its end as this many bytes and one more of it: its reader sees that it is too
+    /// long.
     static constexpr std::size_t MAX_REQUEST_BYTES = std::size_t{16} << 20U;
 
     void feed(std::string_view bytes);
@@ -26,15 +28,12 @@ public:
     /// Whether a text has begun and not ended. Right after `next` gave none.
     [[nodiscard]] bool isInsideText() const { return !_pending.empty(); }
 
-    /// Whether that text is longer than any request: its end is not worth waiting for.
-    [[nodiscard]] bool isTooLong() const { return _pending.size() > MAX_REQUEST_BYTES; }
-
 private:
     [[nodiscard]] bool _endsTextWith(char character);
     [[nodiscard]] std::string _cut(std::size_t size);
     void _skipBlanks();
 
-    std::string _pending;  ///< bytes not yet handed out
+    std::string _pending;  ///< bytes not yet handed out, but for those beyond the longest request
     std::size_t _scanned = 0;
     std::size_t _depth = 0;
     bool _isInString = false;

@@ -42,7 +42,7 @@ void answerAll(const std::vector<std::string>& requests) {
     sim::Storage storage("/tmp/FL0");
     storage.save(
         {{0, "Dot", "user-0", "red", true, false}, {1, "Ring", "user-1", "", false, true}});
-    sim::Device device(storage, MAX_RETICLES);
+    sim::Device device(storage, {.reticles = MAX_RETICLES});
     sim::FaultyDevice exchanges(device, storage, {}, std::cerr, true);
     for (std::size_t i = 0; i < std::min(requests.size(), MAX_REQUESTS); ++i) {
         const sim::Delivery delivery = exchanges.exchange(requests[i]);

@@ -11,7 +11,10 @@ namespace sim {
 namespace {
 
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 using testing::internal::CaptureStderr;
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStderr;
@@ -46,7 +49,8 @@ TEST(CommandLine, hasDefaultsForEverything) {
     ASSERT_TRUE(parsed.options);
     EXPECT_EQ(parsed.options->root, "/tmp/FL0");
     EXPECT_EQ(parsed.options->port, 3425);
-    EXPECT_EQ(parsed.options->maxReticles, 32U);
+    EXPECT_EQ(parsed.options->limits.reticles, 32U);
+    EXPECT_EQ(parsed.options->limits.bytes, 64'000'000U);
     EXPECT_FALSE(parsed.options->isReset);
     EXPECT_FALSE(parsed.options->isVerbose);
     EXPECT_TRUE(parsed.options->faults.empty());
@@ -54,12 +58,14 @@ TEST(CommandLine, hasDefaultsForEverything) {
 }
 
 TEST(CommandLine, readsEveryOption) {
-    const Parsed parsed = parse({"--root", "/tmp/x", "--port=0", "--max-reticles", "5", "--reset",
-                                 "--verbose", "--fault", "delay:10@2", "--fault", "silent"});
+    const Parsed parsed =
+        parse({"--root", "/tmp/x", "--port=0", "--max-reticles", "5", "--max-bytes", "1", "--reset",
+               "--verbose", "--fault", "delay:10@2", "--fault", "silent"});
     ASSERT_TRUE(parsed.options) << parsed.err;
     EXPECT_EQ(parsed.options->root, "/tmp/x");
     EXPECT_EQ(parsed.options->port, 0);
-    EXPECT_EQ(parsed.options->maxReticles, 5U);
+    EXPECT_EQ(parsed.options->limits.reticles, 5U);
+    EXPECT_EQ(parsed.options->limits.bytes, 1U);
     EXPECT_TRUE(parsed.options->isReset);
     EXPECT_TRUE(parsed.options->isVerbose);
     EXPECT_THAT(parsed.options->faults,
@@ -77,22 +83,30 @@ TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
         {{"--fault", "bang"}, "no fault is called 'bang'"},
         {{"--fault", "silent", "close"}, "close"},
         {{"--fault"}, "--fault"},
-        {{"--port", "65536"}, "--port"},
-        {{"--port", "-1"}, "--port"},
-        {{"--max-reticles", "0"}, "--max-reticles"},
-        {{"--replay", "a", "--record", "b"}, "--record"},
-        {{"--replay", "a", "--fault", "silent"}, "--fault"},
-        {{"--replay", "a", "--reset"}, "--reset"},
-        {{"--from-log", "a", "--replay", "b"}, "--replay"},
-        {{"--from-log", "a", "--root", "b"}, "--root"},
+        {{"--port", "65536"}, R"(--port: "65536" is not a number from 0 to 65535)"},
+        {{"--port", "-1"}, R"(--port: "-1" is not a number from 0 to 65535)"},
+        {{"--port", "x"}, R"(--port: "x" is not a number from 0 to 65535)"},
+        {{"--max-reticles", "0"}, R"(--max-reticles: "0" is not a number from 1 to 100000)"},
+        {{"--max-reticles", "99999999999999999999999"},
+         R"(--max-reticles: "99999999999999999999999" is not a number from 1 to 100000)"},
+        {{"--max-bytes", "0"}, R"(--max-bytes: "0" is not a number from 1 to )"},
+        {{"--max-bytes", "64MB"}, R"(--max-bytes: "64MB" is not a number from 1 to )"},
+        {{"--replay", "a", "--record", "b"}, "--record makes no sense with --replay"},
+        {{"--replay", "a", "--fault", "silent"}, "--fault makes no sense with --replay"},
+        {{"--replay", "a", "--reset"}, "--reset makes no sense with --replay"},
+        {{"--replay", "a", "--max-bytes", "9"}, "--max-bytes makes no sense with --replay"},
+        {{"--from-log", "a", "--replay", "b"}, "--replay makes no sense with --from-log"},
+        {{"--from-log", "a", "--root", "b"}, "--root makes no sense with --from-log"},
         {{"--record"}, "--record"},
-        {{"--frequency"}, "--frequency"},
-        {{"extra"}, "extra"}};
+        {{"--frequency"}, "unknown argument --frequency"},
+        {{"extra"}, "unknown argument extra"}};
     for (const auto& [arguments, complaint] : mistakes) {
         const Parsed parsed = parse(arguments);
         EXPECT_FALSE(parsed.options) << complaint;
         EXPECT_EQ(parsed.exitStatus, 2) << complaint;
+        EXPECT_THAT(parsed.err, StartsWith("rtos-sim: "));
         EXPECT_THAT(parsed.err, HasSubstr(complaint));
+        EXPECT_THAT(parsed.err, EndsWith(": see rtos-sim --help\n"));
         EXPECT_EQ(parsed.out, "");
     }
 }
@@ -102,11 +116,13 @@ TEST(CommandLine, printsHelpForEveryOptionAndFault) {
     EXPECT_FALSE(parsed.options);
     EXPECT_EQ(parsed.exitStatus, 0);
     for (const char* text :
-         {"--version", "--root DIR", "--port PORT", "--max-reticles COUNT", "--reset", "--verbose",
-          "--fault KIND[:ARG][@N]", "--record FILE", "--replay FILE", "--from-log FILE"}) {
+         {"--version", "--root DIR", "--port PORT", "--max-reticles COUNT=32",
+          "--max-bytes BYTES=64000000", "--reset", "--verbose", "--fault KIND[:ARG][@N]",
+          "--record FILE", "--replay FILE", "--from-log FILE"}) {
         EXPECT_THAT(parsed.out, HasSubstr(text));
     }
     EXPECT_THAT(parsed.out, HasSubstr(faultHelp()));
+    EXPECT_THAT(parsed.out, Not(HasSubstr("Excludes")));
 }
 
 TEST(CommandLine, printsTheVersion) {

@@ -21,7 +21,7 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr std::size_t MAX_RETICLES = 10;
+constexpr Limits LIMITS{10, 200'000};
 constexpr int CHEVRON = 7;     // the one that can be deleted
 constexpr int FIRST_FREE = 8;  // after the factory set
 
@@ -62,12 +62,12 @@ protected:
     /// What a device that starts now on the same storage has.
     ReticleList afterRestart() {
         Storage storage(_root.path());
-        return Device(storage, MAX_RETICLES).reticles();
+        return Device(storage, LIMITS).reticles();
     }
 
     test::TemporaryRoot _root;
     Storage _storage{_root.path()};
-    Device _device{_storage, MAX_RETICLES};
+    Device _device{_storage, LIMITS};
 };
 
 TEST_F(DeviceTest, startsWithTheFactorySet) {
@@ -146,10 +146,39 @@ TEST_F(DeviceTest, addsNoMoreThanItHolds) {
     EXPECT_EQ(add("C", "c"), 0);
 }
 
-TEST_F(DeviceTest, keepsAFactorySetLargerThanItHolds) {
-    test::TemporaryRoot root;
-    Storage storage(root.path());
-    EXPECT_EQ(Device(storage, 1).reticles(), factoryReticles());
+TEST_F(DeviceTest, storesNoMoreBytesThanItHolds) {
+    const std::string most(LIMITS.bytes - _storage.bytesOf(factoryReticles()), 'x');
+    const std::vector<std::string> files = _root.reticleFiles();
+    EXPECT_EQ(add("A", most), 6) << "its entry in the list is left out of account";
+    EXPECT_EQ(add(std::string(most.size(), 'n'), ""), 6);
+    EXPECT_EQ(_device.reticles(), factoryReticles());
+    EXPECT_EQ(_root.reticleFiles(), files);
+    EXPECT_EQ(add("A", most.substr(1'000)), 0);
+    EXPECT_EQ(add("B", std::string(1'000, 'x')), 6);
+    EXPECT_EQ(update(0, "B", std::string(10'000, 'x')), 6);
+    EXPECT_EQ(reticle(0).name, "Duplex");
+    EXPECT_EQ(update(FIRST_FREE, "A", most.substr(1'000)), 0) << "what it replaces counts no more";
+    EXPECT_EQ(remove(FIRST_FREE), 0);
+    EXPECT_EQ(add("B", std::string(1'000, 'x')), 0);
+}
+
+TEST_F(DeviceTest, startsWithNoMoreThanItHolds) {
+    const auto complaint = [this](const Limits& limits) {
+        try {
+            Device(_storage, limits);
+        } catch (const std::runtime_error& error) {
+            return std::string(error.what());
+        }
+        return std::string();
+    };
+    EXPECT_EQ(complaint({8, LIMITS.bytes}), "");
+    EXPECT_EQ(complaint({7, LIMITS.bytes}),
+              "the device holds 8 reticles, more than --max-reticles 7");
+    const std::size_t held = _storage.bytesOf(factoryReticles());
+    EXPECT_EQ(complaint({8, held}), "");
+    EXPECT_EQ(complaint({8, held - 1}), "the device holds " + std::to_string(held) +
+                                            " bytes, more than --max-bytes " +
+                                            std::to_string(held - 1));
 }
 
 TEST_F(DeviceTest, updatesNameAndDataAndNothingElse) {

@@ -44,7 +44,7 @@ protected:
 
     test::TemporaryRoot _root;
     Storage _storage{_root.path()};
-    Device _device{_storage, 32};
+    Device _device{_storage, {}};
     std::ostringstream _log;
 };
 

@@ -62,14 +62,28 @@ TEST(RequestSplitter, takesBracketsInStringsForText) {
     EXPECT_EQ(splitter.next(), "[3]");
 }
 
-TEST(RequestSplitter, saysWhenATextIsLongerThanAnyRequest) {
+TEST(RequestSplitter, handsOutOneByteTooManyOfATextThatIsTooLong) {
+    constexpr std::size_t PIECES = 64;
+    constexpr std::size_t MAX = RequestSplitter::MAX_REQUEST_BYTES;
+    const std::string piece(MAX / PIECES, ']');
     RequestSplitter splitter;
-    splitter.feed("[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES - 2, 'x'));
-    EXPECT_EQ(splitter.next(), std::nullopt);
-    EXPECT_FALSE(splitter.isTooLong());
-    splitter.feed("x");
-    EXPECT_EQ(splitter.next(), std::nullopt);
-    EXPECT_TRUE(splitter.isTooLong());
+    splitter.feed("[\"");
+    for (std::size_t i = 0; i < 2 * PIECES; ++i) {
+        splitter.feed(piece);
+        ASSERT_EQ(splitter.next(), std::nullopt) << i;
+    }
+    splitter.feed("\"][2]");
+    EXPECT_EQ(splitter.next(), "[\"" + std::string(MAX - 1, ']'));
+    EXPECT_EQ(splitter.next(), "[2]");
+}
+
+TEST(RequestSplitter, handsOutTheLongestTextWhole) {
+    const std::string text =
+        "[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES - 4, 'x') + "\"]";
+    RequestSplitter splitter;
+    splitter.feed(text + "[2]");
+    EXPECT_TRUE(splitter.next() == text);
+    EXPECT_EQ(splitter.next(), "[2]");
 }
 
 }  // namespace

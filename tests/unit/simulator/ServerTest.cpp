@@ -61,7 +61,7 @@ public:
 private:
     test::TemporaryRoot _root;
     Storage _storage{_root.path()};
-    Device _device{_storage, 32};
+    Device _device{_storage, {}};
     std::ostringstream _log;
     FaultyDevice _faulty;
     asio::io_context _io;
@@ -144,15 +144,18 @@ TEST(Server, takesANewConnectionWhenThePeerLeft) {
     EXPECT_EQ(simulator.log(), "rtos-sim: the connection ended inside a request: End of file\n");
 }
 
-TEST(Server, closesAConnectionWhoseRequestHasNoEnd) {
+TEST(Server, refusesARequestThatIsTooLongAndGoesOn) {
     RunningSimulator simulator;
     const LoopbackClient client(simulator.port());
-    client.send("[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES, 'x'));
-    EXPECT_EQ(client.receive(), "");
-    EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
+    EXPECT_EQ(client.exchange("[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES, 'x') + "\"]"),
+              NOT_UNDERSTOOD);
+    EXPECT_EQ(client.exchange(LIST), LISTED);
     simulator.stop();
     EXPECT_EQ(simulator.log(),
-              "rtos-sim: connection closed: a request has no end after 16777216 bytes\n");
+              "rtos-sim: exchange 1: request not JSON: \"[\\\"" + std::string(998, 'x') +
+                  "\" ... (16777217 bytes)\n"
+                  "rtos-sim: exchange 1: refused, the request is longer than 16777216 bytes\n"
+                  "rtos-sim: exchange 1: answer [{\"ret_val\":8}]\n");
 }
 
 TEST(Server, takesARequestAsLongAsTheyGet) {

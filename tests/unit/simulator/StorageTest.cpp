@@ -91,6 +91,14 @@ TEST_F(StorageTest, removesReticleFilesOfItsOwnThatTheListDoesNotName) {
     EXPECT_THAT(_root.reticleFiles(), ElementsAre("notes.txt", "user-0"));
 }
 
+TEST_F(StorageTest, saysHowMuchRoomAListTakes) {
+    _list.push_back({1, "Gone", "user-1", "red", true, false});
+    _root.write("reticle/user-0", std::string(1'234, 'x'));
+    _root.write("reticle/user-2", "of no reticle");
+    _storage.save(_list);
+    EXPECT_EQ(_storage.bytesOf(_list), 1'234 + _root.read("reticle_list.json").size());
+}
+
 TEST_F(StorageTest, takesNewDataByteForByte) {
     const std::string data("a\r\n\"user_color\"\n\xc3\xbc\0\xff", 20);
     _root.write("new_reticle_data0", data);
