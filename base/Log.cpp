@@ -3,13 +3,15 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <type_traits>
 
 namespace reticled {
 
 std::mutex& logMutex() {
-    // Never destroyed: detached reader threads may still log while the process exits.
-    static auto* const mutex = new std::mutex;
-    return *mutex;
+    // Detached reader threads may still log while the process exits, and when memory lacks.
+    static_assert(std::is_trivially_destructible_v<std::mutex>);
+    static constinit std::mutex mutex;
+    return mutex;
 }
 
 void logText(std::ostream& stream, const char* text) {

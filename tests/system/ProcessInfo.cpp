@@ -21,6 +21,7 @@ namespace {
 // Positions in /proc/PID/stat, counted from the field after the program's name.
 constexpr std::size_t STATE_FIELD = 0;
 constexpr std::size_t TERMINAL_FIELD = 4;
+constexpr std::size_t PAGE_FAULTS_FIELD = 7;
 constexpr std::size_t USER_TIME_FIELD = 11;
 constexpr std::size_t SYSTEM_TIME_FIELD = 12;
 
@@ -61,6 +62,10 @@ std::chrono::milliseconds ProcessInfo::processorTime() const {
     const long ticks =
         std::stol(fields.at(USER_TIME_FIELD)) + std::stol(fields.at(SYSTEM_TIME_FIELD));
     return std::chrono::milliseconds(ticks * std::milli::den / sysconf(_SC_CLK_TCK));
+}
+
+std::size_t ProcessInfo::pagesTaken() const {
+    return std::stoul(statFields(_path("stat")).at(PAGE_FAULTS_FIELD));
 }
 
 std::string ProcessInfo::workingDirectory() const {

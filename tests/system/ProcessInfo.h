@@ -17,6 +17,8 @@ public:
     [[nodiscard]] std::map<int, std::string> descriptors() const;
     [[nodiscard]] std::size_t threadCount() const;
     [[nodiscard]] std::size_t residentBytes() const;
+    /// How often, all threads, the kernel had to find a page for it.
+    [[nodiscard]] std::size_t pagesTaken() const;
     /// User and system time used so far, all threads; counted in steps of 10 ms.
     [[nodiscard]] std::chrono::milliseconds processorTime() const;
     [[nodiscard]] std::string workingDirectory() const;

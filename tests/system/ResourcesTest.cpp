@@ -127,6 +127,26 @@ TEST_F(ResourcesTest, LargeBodiesAtOnceLeaveNoMemoryBehind) {
     expectMemoryGivenBack();
 }
 
+// Getting pages from the kernel costs more than the work on them.
+TEST_F(ResourcesTest, CommandsUseTheMemoryOfThoseBeforeThem) {
+    constexpr std::size_t RETICLE_BYTES = 1000000;
+    constexpr int LISTS = 20;
+    constexpr std::size_t FEW_PAGES = 100;
+    flash.write("list.json", exchanges::ONE_DOT_LIST);
+    flash.write("reticle/dot.svg", std::string(RETICLE_BYTES, 'x'));
+    FrameClient client;
+    std::size_t before = 0;
+    for (int i = 0; i < 2 * LISTS; ++i) {
+        before = i == LISTS ? service.info().pagesTaken() : before;
+        client.sendFrame(exchanges::GET_ALL);
+        EXPECT_EQ(rtos.exchange(exchanges::LIST_ANSWER), LIST_REQUEST);
+        EXPECT_GT(client.readReply().size(), RETICLE_BYTES);
+    }
+    if (!programs::HAVE_OVERHEAD) {
+        EXPECT_LT(service.info().pagesTaken() - before, LISTS * FEW_PAGES);
+    }
+}
+
 TEST_F(ResourcesTest, ClientsThatComeAndGoLeaveNothingBehind) {
     constexpr int VISITS = 200;
     for (int i = 0; i < VISITS; ++i) {
