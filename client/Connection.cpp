@@ -37,12 +37,16 @@ bool isReady(int socket, short events, const Deadline& deadline) {
         // poll passes over a negative descriptor.
         std::array<pollfd, 2> entries{
             {{socket, events, 0}, {deadline.cancelDescriptor(), POLLIN, 0}}};
-        const int count = ::poll(entries.data(), entries.size(), leftMs);
+        const int count =
+            ::poll(entries.data(), entries.size(), std::min(leftMs, Deadline::TOLD_WAIT_MS));
         if (count > 0 && entries[1].revents != 0) {
             throw Cancelled("cancelled");
         }
         if (count > 0 || (count < 0 && errno != EINTR)) {
             return true;
+        }
+        if (count == 0 && leftMs > Deadline::TOLD_WAIT_MS) {
+            deadline.tellWait();
         }
     }
     return false;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "client/JsonSize.h"
 #include "reticle-client/Errors.h"
 
 namespace reticle {
@@ -14,12 +15,18 @@ namespace {
 
 constexpr const char* SUCCESS = "OK";
 
+/// A list of more reticles than any device holds; parsed, a value takes about a hundred bytes.
+constexpr std::size_t VALUES_LIMIT = 1'000'000;
+
 [[noreturn]] void refuseShape(const std::string& problem) {
     throw MalformedReply("the reply is not one of the reticle service (" + problem +
                          "): check that the service and this client are of the same version");
 }
 
 Json::Value parseJson(const std::string& text) {
+    if (countJsonValues(text) > VALUES_LIMIT) {
+        refuseShape("it holds more values than any list");
+    }
     Json::CharReaderBuilder builder;
     // The service copies comments of the device's list into its reply. They must be read over, and
     // collecting them takes time quadratic in their number.
@@ -109,8 +116,14 @@ std::string resultMeaning(const std::string& result) {
          "factory reticles and the active one stay: check in the list that it is deletable and not "
          "active"},
         {"UNKNOWN_ACTION",
-         "the device does not know this command: check the versions of its two sides"},
-        {"", "a code that the service has no name for: check the log of the device's RTOS side"}};
+         "the device cannot carry this out: when a reticle is stored, check first that the service "
+         "may write to /tmp/FL0/ and that there is room, as the device cannot read data that is "
+         "not there; then that both sides of the device are of the same version; the log of its "
+         "RTOS side tells more"},
+        {"",
+         "a code that the service has no name for, or an answer without any: check first the log "
+         "of "
+         "the device's RTOS side, then that both sides of the device are of the same version"}};
     const auto found = MEANINGS.find(result);
     return found != MEANINGS.end()
                ? found->second

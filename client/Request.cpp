@@ -3,7 +3,6 @@
 #include <json/json.h>
 
 #include <string_view>
-#include <utility>
 
 #include "client/Utf8.h"
 #include "reticle-client/Errors.h"
@@ -35,15 +34,27 @@ void requireFits(std::size_t bytes) {
     if (bytes >= REQUEST_LIMIT_BYTES) {
         throw RequestTooLarge("the request is too large, the service takes less than " +
                               std::to_string(REQUEST_LIMIT_BYTES) +
-                              " bytes of JSON: send smaller data, or several reticles one by one");
+                              " bytes of JSON: send smaller data");
     }
 }
 
-Json::Value record(const NewReticle& reticle) {
-    Json::Value value(Json::objectValue);
-    value["name"] = carried(reticle.name, "the name of a reticle");
-    value["data"] = carried(reticle.data, "the data of reticle \"" + reticle.name + "\"");
-    return value;
+/// The request that stores one reticle. \param index null for a new one.
+Json::Value storeRequest(const Json::Value& index, const NewReticle& reticle) {
+    if (reticle.data.empty()) {
+        throw InvalidRequest("the data of reticle \"" + reticle.name +
+                             "\" is empty: the device would hold it, but no list would show it; "
+                             "check where the data comes from");
+    }
+    // Before anything is copied: no JSON text is shorter than what it carries.
+    requireFits(reticle.name.size() + reticle.data.size());
+    Json::Value request = action("RETICLES_ADD_OR_UPDATE");
+    Json::Value& record = request["reticles"].append(Json::objectValue);
+    record["name"] = carried(reticle.name, "the name of a reticle");
+    record["data"] = carried(reticle.data, "the data of reticle \"" + reticle.name + "\"");
+    if (!index.isNull()) {
+        record["index"] = index;
+    }
+    return request;
 }
 
 std::string written(const Json::Value& request) {
@@ -68,37 +79,20 @@ std::string activateRequest(int index) {
     return written(request);
 }
 
-std::string addRequest(const std::vector<NewReticle>& reticles) {
-    std::size_t bytes = 0;
-    Json::Value request = action("RETICLES_ADD_OR_UPDATE");
-    Json::Value& records = request["reticles"] = Json::Value(Json::arrayValue);
-    for (const NewReticle& reticle : reticles) {
-        // Before anything is copied: no JSON text is shorter than what it carries.
-        bytes += reticle.name.size() + reticle.data.size();
-        requireFits(bytes);
-        records.append(record(reticle));
-    }
-    return written(request);
+std::string addRequest(const NewReticle& reticle) {
+    return written(storeRequest(Json::nullValue, reticle));
 }
 
 std::string updateRequest(int index, const NewReticle& reticle) {
     if (index < 0) {
         throw InvalidRequest("index " + std::to_string(index) + " names no reticle: use 0 or more");
     }
-    requireFits(reticle.name.size() + reticle.data.size());
-    Json::Value request = action("RETICLES_ADD_OR_UPDATE");
-    Json::Value changed = record(reticle);
-    changed["index"] = index;
-    request["reticles"].append(std::move(changed));
-    return written(request);
+    return written(storeRequest(index, reticle));
 }
 
-std::string removeRequest(const std::vector<int>& indices) {
+std::string removeRequest(int index) {
     Json::Value request = action("RETICLES_DELETE");
-    Json::Value& list = request["indices"] = Json::Value(Json::arrayValue);
-    for (const int index : indices) {
-        list.append(index);
-    }
+    request["indices"].append(index);
     return written(request);
 }
 

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <string>
-#include <vector>
 
 #include "reticle-client/Reticle.h"
 
@@ -13,13 +12,13 @@ constexpr std::size_t REQUEST_LIMIT_BYTES = 4194304;
 
 /// The JSON texts of the requests: the documented keys and nothing else. Any thread.
 ///
-/// Each \throws InvalidText when a name or data is not UTF-8 or holds a NUL byte, RequestTooLarge
-/// when the text would reach REQUEST_LIMIT_BYTES.
+/// Each \throws InvalidRequest when data is empty, InvalidText when a name or data is not UTF-8 or
+/// holds a NUL byte, RequestTooLarge when the text would reach REQUEST_LIMIT_BYTES.
 [[nodiscard]] std::string listRequest();
 [[nodiscard]] std::string activateRequest(int index);
-[[nodiscard]] std::string addRequest(const std::vector<NewReticle>& reticles);
+[[nodiscard]] std::string addRequest(const NewReticle& reticle);
 /// \throws InvalidRequest also for a negative index: the service would add a reticle instead.
 [[nodiscard]] std::string updateRequest(int index, const NewReticle& reticle);
-[[nodiscard]] std::string removeRequest(const std::vector<int>& indices);
+[[nodiscard]] std::string removeRequest(int index);
 
 }  // namespace reticle

@@ -53,4 +53,8 @@ std::optional<std::string> userColor(std::string_view data) {
     return color ? color : firstColor(data, "fill");
 }
 
+bool takesUserColor(std::string_view data) {
+    return data.find("\"user_color\"") != std::string_view::npos;
+}
+
 }  // namespace reticle

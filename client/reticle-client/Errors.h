@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -14,7 +15,15 @@ namespace reticle {
 /// terminal.
 class ClientError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit ClientError(const std::string& message, std::size_t doneCount = 0)
+        : std::runtime_error(message), _doneCount(doneCount) {}
+
+    /// Of a call for several reticles: how many of them, from the first, were carried out. The next
+    /// one is the one that failed; those after it were not tried.
+    [[nodiscard]] std::size_t doneCount() const { return _doneCount; }
+
+private:
+    std::size_t _doneCount;
 };
 
 /// There is no connection to the service: nothing was sent.
@@ -45,15 +54,23 @@ public:
 /// The device said no.
 class Refused final : public ClientError {
 public:
-    explicit Refused(Reply reply)
-        : ClientError("refused by the device: " + nameOf(reply) + ": " +
-                      resultMeaning(*reply.result)),
-          _reply(std::make_shared<const Reply>(std::move(reply))) {}
+    /// \param list the reply to a list request after the refusal, null for none.
+    explicit Refused(Reply reply, std::size_t doneCount = 0,
+                     std::shared_ptr<const Reply> list = nullptr)
+        : ClientError(
+              "refused by the device: " + nameOf(reply) + ": " + resultMeaning(*reply.result),
+              doneCount),
+          _reply(std::make_shared<const Reply>(std::move(reply))),
+          _list(std::move(list)) {}
 
     /// The name of the reason, empty when the service has none for the device's code.
     [[nodiscard]] const std::string& resultName() const { return *_reply->result; }
 
     [[nodiscard]] const Reply& reply() const { return *_reply; }
+
+    /// The list as it is after the refusal of a call for several reticles; null for one reticle, or
+    /// when the list could not be had.
+    [[nodiscard]] const Reply* list() const { return _list.get(); }
 
 private:
     static std::string nameOf(const Reply& reply) {
@@ -62,6 +79,7 @@ private:
 
     // Shared, so that copying the exception cannot throw.
     std::shared_ptr<const Reply> _reply;
+    std::shared_ptr<const Reply> _list;
 };
 
 /// The request cannot be sent as it is: nothing was sent. The caller's mistake.

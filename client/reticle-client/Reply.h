@@ -19,12 +19,12 @@ struct Reply {
     /// The reply's JSON text as it came, without its frame.
     std::string json;
 
-    /// Whether the device said no. A refused request of several reticles was carried out up to the
-    /// reticle that was refused.
+    /// Whether the device said no.
     [[nodiscard]] bool isRefused() const;
 
     /// Reads the JSON text of a reply. Any thread.
-    /// \throws MalformedReply when the text is not JSON, or not what the service sends.
+    /// \throws MalformedReply when the text is not JSON, or not what the service sends, or holds
+    ///         more than a million values, which would take a hundred times the memory of the text.
     [[nodiscard]] static Reply parse(std::string json);
 };
 

@@ -18,10 +18,11 @@ struct Reticle {
     bool isActive = false;
 };
 
-/// A reticle to be stored on the device. Both texts must be UTF-8 without a NUL byte; both may be
-/// empty.
+/// A reticle to be stored on the device. Both texts must be UTF-8 without a NUL byte.
 struct NewReticle {
+    /// May be empty, and need not be unique.
     std::string name;
+    /// Not empty: the device would keep a reticle without data, but no list would show it.
     /// Each "user_color" in it, double quotes included, is shown as the user's colour in double
     /// quotes.
     std::string data;

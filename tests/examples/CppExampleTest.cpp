@@ -51,6 +51,30 @@ TEST_F(CppExampleTest, BuiltWithPkgConfig) {
     expectWorks("/tmp/FL0/list-reticles");
 }
 
+TEST_F(CppExampleTest, WrongArgumentsGetTheUsage) {
+    library.buildWithPkgConfig(SOURCE, "/tmp/FL0/list-reticles");
+    for (const std::string index : {"Duplex", "7x", "99999999999", ""}) {
+        const Run call = run({"/tmp/FL0/list-reticles", "127.0.0.1", index});
+        EXPECT_EQ(call.status, 2) << index;
+        EXPECT_EQ(call.error, "usage: list-reticles HOST [INDEX]\n") << index;
+    }
+}
+
+TEST_F(CppExampleTest, TheDocumentsFirstProgramListsTheReticles) {
+    const std::string document =
+        contentOfFile(programs::SOURCE_DIRECTORY + "/docs/client-library.md");
+    const std::string fence = "```cpp\n";
+    const std::size_t begin = document.find(fence) + fence.size();
+    const std::string program = document.substr(begin, document.find("```", begin) - begin);
+    constexpr auto LONGEST = 20;
+    EXPECT_LE(std::count(program.begin(), program.end(), '\n'), LONGEST);
+    flash.write("home/first.cpp", program);
+    library.buildWithPkgConfig("/tmp/FL0/home/first.cpp", "/tmp/FL0/home/first");
+    const Run call = run({"/tmp/FL0/home/first"});
+    EXPECT_EQ(call.status, 0) << call.error;
+    EXPECT_TRUE(call.output.starts_with("* Duplex\n  Mil-Dot\n")) << call.output;
+}
+
 TEST_F(CppExampleTest, ServiceThatIsNotThere) {
     library.buildWithPkgConfig(SOURCE, "/tmp/FL0/list-reticles");
     // An unused network: nobody listens.

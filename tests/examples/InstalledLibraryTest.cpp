@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "tests/examples/InstalledLibrary.h"
 #include "tests/support/FlashFiles.h"
+#include "tests/support/Text.h"
+#include "tests/system/Programs.h"
 
 namespace {
 
@@ -34,6 +38,27 @@ TEST_F(InstalledLibraryTest, HasThePublicHeadersAndNoOthers) {
 TEST_F(InstalledLibraryTest, EachHeaderCompilesAlone) {
     for (const std::string& header : headers()) {
         EXPECT_NO_THROW(library.compile("#include <reticle-client/" + header + ">\n")) << header;
+    }
+}
+
+/// Whether a comment goes on in the next line although there was room for its first word, as a
+/// layouter leaves it that breaks what it then does not fill.
+bool isBroken(const std::string& line, const std::string& next) {
+    constexpr std::size_t SHORT = 60;
+    const std::size_t text = next.find_first_not_of("/ ");
+    const bool goesOn = next.find("/// ") != std::string::npos && text != std::string::npos &&
+                        std::islower(static_cast<unsigned char>(next[text])) != 0;
+    return line.find("/// ") != std::string::npos && line.size() < SHORT && goesOn;
+}
+
+TEST_F(InstalledLibraryTest, NoCommentOfAHeaderIsBroken) {
+    for (const std::string& header : headers()) {
+        std::istringstream lines(
+            contentOfFile(programs::SOURCE_DIRECTORY + "/client/reticle-client/" + header));
+        std::string line;
+        for (std::string next; std::getline(lines, next); line = next) {
+            EXPECT_FALSE(isBroken(line, next)) << header << ": " << line << '\n' << next;
+        }
     }
 }
 

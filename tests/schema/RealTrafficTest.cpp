@@ -59,10 +59,12 @@ TEST_F(RealTrafficTest, AddAndUpdate) {
     const std::string action = "RETICLES_ADD_OR_UPDATE";
     const reticle::NewReticle ring{"Ring 1\xC2\xB0", "<circle stroke=\"user_color\"/>\n"};
     EXPECT_EQ(resultOf(action, reticle::updateRequest(7, ring)), "OK");
-    EXPECT_EQ(resultOf(action, reticle::addRequest({ring})), "OK");
-    EXPECT_EQ(resultOf(action, reticle::addRequest({ring, ring})), "RETICLES_COUNT_OUT_OF_BOUNDS");
+    EXPECT_EQ(resultOf(action, reticle::addRequest(ring)), "OK");
+    EXPECT_EQ(resultOf(action, R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[
+                                   {"name":"Dot","data":"dot"},{"name":"Ring","data":"ring"}]})"),
+              "RETICLES_COUNT_OUT_OF_BOUNDS");
     EXPECT_EQ(resultOf(action, reticle::updateRequest(99, ring)), "RETICLE_INDEX_NOT_FOUND");
-    EXPECT_EQ(resultOf(action, reticle::addRequest({})), "none");
+    EXPECT_EQ(resultOf(action, R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[]})"), "none");
 }
 
 TEST_F(RealTrafficTest, AddAndUpdateInOneRequest) {
@@ -75,9 +77,9 @@ TEST_F(RealTrafficTest, AddAndUpdateInOneRequest) {
 
 TEST_F(RealTrafficTest, Delete) {
     const std::string action = "RETICLES_DELETE";
-    EXPECT_EQ(resultOf(action, reticle::removeRequest({7})), "OK");
-    EXPECT_EQ(resultOf(action, reticle::removeRequest({0})), "RETICLE_CANT_BE_DELETED");
-    EXPECT_EQ(resultOf(action, reticle::removeRequest({7})), "RETICLE_INDEX_NOT_FOUND");
+    EXPECT_EQ(resultOf(action, reticle::removeRequest(7)), "OK");
+    EXPECT_EQ(resultOf(action, reticle::removeRequest(0)), "RETICLE_CANT_BE_DELETED");
+    EXPECT_EQ(resultOf(action, reticle::removeRequest(7)), "RETICLE_INDEX_NOT_FOUND");
     EXPECT_EQ(resultOf(action, R"({"action":"RETICLES_DELETE"})"), "none");
 }
 

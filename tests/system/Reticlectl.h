@@ -8,6 +8,7 @@ struct Reticlectl {
     /// The exit statuses that it documents.
     static constexpr int DONE = 0;
     static constexpr int REFUSED = 1;
+    static constexpr int USAGE = 2;
     static constexpr int CANNOT_CONNECT = 3;
     static constexpr int NO_REPLY = 4;
 

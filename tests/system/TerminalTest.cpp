@@ -1,3 +1,4 @@
+#include <csignal>
 #include <map>
 #include <string>
 #include <vector>
@@ -32,8 +33,12 @@ protected:
                std::string::npos;
     }
 
+    void writeBig(std::size_t bytes) const {
+        flash.write("home/big.svg", "\"user_color\"" + std::string(bytes, 'x'));
+    }
+
     std::string upload(std::size_t bytes) {
-        flash.write("home/big.svg", std::string(bytes, 'x'));
+        writeBig(bytes);
         return shown({"add", "Big", "/tmp/FL0/home/big.svg"});
     }
 };
@@ -94,10 +99,48 @@ TEST_F(TerminalTest, AShortUploadShowsNone) {
 }
 
 TEST_F(TerminalTest, AnUploadIntoAPipeShowsNone) {
-    flash.write("home/big.svg", std::string(UPLOAD_BYTES, 'x'));
+    writeBig(UPLOAD_BYTES);
     const Reticlectl call = Reticlectl::run({"add", "Big", "/tmp/FL0/home/big.svg"});
     EXPECT_EQ(call.status, Reticlectl::DONE);
     EXPECT_EQ(call.error, "");
+}
+
+TEST_F(TerminalTest, StoredDataCannotSteerTheTerminal) {
+    flash.write("home/evil.svg", "\"user_color\"\n\x1B]0;mine\x07\xC2\x9B\xE2\x80\xAE");
+    ASSERT_EQ(Reticlectl::run({"add", "Evil", "/tmp/FL0/home/evil.svg"}).status, 0);
+    EXPECT_TRUE(shown({"show", "8"}).starts_with("\"red\"\r\n\\x1B]0;mine\\x07\\x9B\\u202E"));
+    EXPECT_EQ(Reticlectl::run({"show", "8"}).output,
+              "\"red\"\n\x1B]0;mine\x07\xC2\x9B\xE2\x80\xAE");
+}
+
+TEST_F(TerminalTest, AWaitIsToldUntilItIsOver) {
+    startDevice({"--fault", "silent"});
+    TerminalProcess process(reticlectl({"--timeout", "2.5", "list"}));
+    EXPECT_EQ(process.waitForEnd(), Reticlectl::NO_REPLY);
+    const std::string& output = process.output();
+    EXPECT_TRUE(
+        output.starts_with("\rwaiting for 127.0.0.1:3451: 1 of 2.5 s\r"
+                           "waiting for 127.0.0.1:3451: 2 of 2.5 s\r "))
+        << output;
+    EXPECT_NE(output.find(" \rreticlectl: no reply from "), std::string::npos) << output;
+}
+
+TEST_F(TerminalTest, CtrlCDuringAChangeSaysThatItMayBeDone) {
+    startDevice({"--fault", "silent"});
+    TerminalProcess process(reticlectl({"--timeout", "60", "activate", "3"}));
+    ASSERT_TRUE(process.eventuallyShows("waiting for "));
+    process.type("\x03");
+    EXPECT_EQ(process.waitForEnd(), 128 + SIGINT);
+    EXPECT_NE(process.output().find("reticlectl: cancelled; the change may have been carried out "
+                                    "all the same: list the reticles before you repeat it\r\n"),
+              std::string::npos)
+        << process.output();
+}
+
+TEST_F(TerminalTest, AGalleryIsNotPrinted) {
+    TerminalProcess process(reticlectl({"gallery"}));
+    EXPECT_EQ(process.waitForEnd(), Reticlectl::USAGE);
+    EXPECT_EQ(process.output().find("<!DOCTYPE"), std::string::npos);
 }
 
 }  // namespace

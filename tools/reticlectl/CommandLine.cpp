@@ -5,14 +5,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "reticle-client/Errors.h"
+#include "tools/reticlectl/Report.h"
 #include "tools/reticlectl/commands/BracketShield.h"
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/commands/Session.h"
-#include "tools/reticlectl/outcome/Failure.h"
-#include "tools/reticlectl/outcome/JsonLine.h"
-#include "tools/reticlectl/terminal/DisplayText.h"
 
 namespace reticlectl {
 
@@ -21,16 +18,16 @@ namespace {
 constexpr const char* FOOTER =
     "The options of reticlectl --help may also stand behind a command.\n"
     "Exit status: 0 done, 1 refused by the device, 2 usage, 3 cannot connect,\n"
-    "4 no reply in time, 5 malformed reply.";
+    "4 no reply in time, 5 malformed reply, 130 interrupted by Ctrl-C.";
 
 void addSharedOptions(CLI::App& app, Session& session) {
-    constexpr int LAST_PORT = 65535;
+    static constexpr int LAST_PORT = 65535;
     app.add_option("--host", session.host, "Address or name of the device")
         ->type_name("HOST")
         ->capture_default_str();
     app.add_option("--port", session.port, "TCP port of the service")
         ->type_name("PORT")
-        ->check(CLI::Range(1, LAST_PORT, "1..65535"))
+        ->check([](const std::string& text) { return checkNumber(text, 1, LAST_PORT); })
         ->capture_default_str();
     app.add_option("--timeout", session.timeoutSeconds,
                    "How long to wait for the reply, fractions allowed")
@@ -56,6 +53,7 @@ void addCommands(CLI::App& app, const Session& session, ExitStatus& status) {
     addShowCommand(app, session);
     addGalleryCommand(app, session);
     addPingCommand(app, session, status);
+    addHelpCommand(app, session);
 }
 
 void unshieldOptions(CLI::App& app) {
@@ -75,27 +73,6 @@ std::vector<std::string> forParsing(const std::vector<std::string>& arguments) {
     return shielded;
 }
 
-ExitStatus reportLine(const std::string& problem, ExitStatus status, const Session& session) {
-    session.err << "reticlectl: " << problem << '\n';
-    return status;
-}
-
-ExitStatus report(const std::string& problem, ExitStatus status, const Session& session) {
-    const std::string shown = printable(problem);
-    if (session.wantsJson) {
-        session.out << errorJson(status, shown) << '\n';
-    }
-    return reportLine(shown, status, session);
-}
-
-/// The reply itself says that it is a refusal.
-ExitStatus reportRefusal(const reticle::Refused& refusal, const Session& session) {
-    if (session.wantsJson) {
-        session.print(refusal.reply());
-    }
-    return reportLine(printable(refusal.what()), ExitStatus::REFUSED, session);
-}
-
 std::string describe(const CLI::App& app, const CLI::ParseError& error) {
     const std::vector<std::string> unknown = app.remaining();
     if (app.get_subcommands().empty() && !unknown.empty()) {
@@ -104,13 +81,22 @@ std::string describe(const CLI::App& app, const CLI::ParseError& error) {
     return error.what();
 }
 
+/// What prints the help on a mistake: the command's own, or that of the options that all share.
+std::string helpFor(const CLI::App& app, const CLI::ParseError& error) {
+    const std::string message = error.what();
+    const bool isShared = app.get_option_no_throw(message.substr(0, message.find(':'))) != nullptr;
+    const std::vector<CLI::App*> commands = app.get_subcommands();
+    return "reticlectl " +
+           (commands.empty() || isShared ? "" : commands.front()->get_name() + ' ') + "--help";
+}
+
 /// CLI11 ends the parsing by an exception for help and version as well.
 ExitStatus endParsing(const CLI::App& app, const CLI::ParseError& end, const Session& session) {
     if (end.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
         app.exit(end, session.out, session.err);
         return ExitStatus::DONE;
     }
-    return report(describe(app, end) + ": see reticlectl --help", ExitStatus::USAGE, session);
+    return report(describe(app, end) + ": see " + helpFor(app, end), ExitStatus::USAGE, session);
 }
 
 ExitStatus finish(ExitStatus status, const Session& session) {
@@ -127,18 +113,8 @@ ExitStatus parseAndRun(CLI::App& app, const std::vector<std::string>& arguments,
         return finish(status, session);
     } catch (const CLI::ParseError& end) {
         return endParsing(app, end, session);
-    } catch (const Failure& failure) {
-        return report(failure.what(), failure.status(), session);
-    } catch (const reticle::Refused& refusal) {
-        return reportRefusal(refusal, session);
-    } catch (const reticle::InvalidRequest& mistake) {
-        return report(mistake.what(), ExitStatus::USAGE, session);
-    } catch (const reticle::CannotConnect& error) {
-        return report(error.what(), ExitStatus::CANNOT_CONNECT, session);
-    } catch (const reticle::NoReply& error) {
-        return report(error.what(), ExitStatus::NO_REPLY, session);
-    } catch (const reticle::MalformedReply& error) {
-        return report(error.what(), ExitStatus::MALFORMED_REPLY, session);
+    } catch (...) {
+        return report(std::current_exception(), session);
     }
 }
 

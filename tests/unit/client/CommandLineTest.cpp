@@ -33,11 +33,20 @@ struct Outcome {
     std::string err;
 };
 
-Outcome runProgram(const std::vector<std::string>& arguments, const std::string& input = "") {
+/// Both output streams lead to a terminal.
+Terminal onTerminal() {
+    Terminal terminal;
+    terminal.takesOutput = true;
+    terminal.takesErrors = true;
+    return terminal;
+}
+
+Outcome runProgram(const std::vector<std::string>& arguments, const std::string& input = "",
+                   const Terminal& terminal = {}) {
     std::istringstream in(input);
     std::ostringstream out;
     std::ostringstream err;
-    const ExitStatus status = run(arguments, in, out, err);
+    const ExitStatus status = run(arguments, in, out, err, terminal);
     return {status, out.str(), err.str()};
 }
 
@@ -48,15 +57,32 @@ struct Exchange {
 };
 
 Exchange exchange(std::vector<std::string> arguments, const std::string& answer = ONE_RETICLE,
-                  const std::string& input = "") {
+                  const std::string& input = "", const Terminal& terminal = {}) {
     std::vector<std::string> requests;
     Outcome outcome;
     {
         const FakeService service(answering(encodeFrame(answer), &requests));
         arguments.insert(arguments.begin(), {"--port", std::to_string(service.port())});
-        outcome = runProgram(arguments, input);
+        outcome = runProgram(arguments, input, terminal);
     }
     return {outcome, requests.empty() ? "" : requests.front()};
+}
+
+/// A run against a service that gives these answers in turn, and none after them.
+Outcome runInTurn(const std::vector<std::string>& answers, std::vector<std::string> arguments,
+                  std::vector<std::string>* requests = nullptr) {
+    const FakeService service([&](FakePeer& peer) {
+        for (const std::string& answer : answers) {
+            const std::string request = peer.receiveRequest();
+            if (requests != nullptr) {
+                requests->push_back(request);
+            }
+            peer.send(encodeFrame(answer));
+        }
+        peer.waitForClose();
+    });
+    arguments.insert(arguments.begin(), {"--port", std::to_string(service.port())});
+    return runProgram(arguments);
 }
 
 Outcome runAgainst(FakeService::Script script, const std::string& timeout = "60") {
@@ -130,12 +156,10 @@ TEST_F(CommandLine, ActivatePrintsTheListAfterIt) {
 
 TEST_F(CommandLine, AddSendsFilesAsTheyAre) {
     const std::string first = writeFile("first.svg", "<svg>\r\n\xC3\xA9</svg>\n");
-    const std::string second = writeFile("second", "");
-    const Exchange run = exchange({"add", "One", first, "Two", second});
+    const Exchange run = exchange({"add", "One", first});
     EXPECT_EQ(run.request,
               "{\"action\":\"RETICLES_ADD_OR_UPDATE\",\"reticles\":["
-              "{\"data\":\"<svg>\\r\\n\xC3\xA9</svg>\\n\",\"name\":\"One\"},"
-              "{\"data\":\"\",\"name\":\"Two\"}]}");
+              "{\"data\":\"<svg>\\r\\n\xC3\xA9</svg>\\n\",\"name\":\"One\"}]}");
     EXPECT_EQ(run.outcome.out, ONE_RETICLE_TABLE);
 }
 
@@ -148,9 +172,8 @@ TEST_F(CommandLine, AddReadsStandardInput) {
 TEST_F(CommandLine, NamesMayLookLikeAnything) {
     const std::string file = writeFile("f", "x");
     for (const char* name : {"list", "[a,b]", "[a]", "", "{}", "7", "a b"}) {
-        EXPECT_EQ(exchange({"add", "first", file, name, file}).request,
-                  R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"x","name":"first"},)"
-                  R"({"data":"x","name":")" +
+        EXPECT_EQ(exchange({"add", name, file}).request,
+                  R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"x","name":")" +
                       std::string(name) + R"("}]})");
     }
 }
@@ -163,9 +186,14 @@ TEST_F(CommandLine, UpdateNamesIndexNameAndFile) {
 }
 
 TEST_F(CommandLine, DeleteTakesSeveralIndices) {
-    const Exchange run = exchange({"delete", "3", "1", "3"});
-    EXPECT_EQ(run.request, R"({"action":"RETICLES_DELETE","indices":[3,1,3]})");
-    EXPECT_EQ(run.outcome.out, ONE_RETICLE_TABLE);
+    std::vector<std::string> requests;
+    const Outcome outcome =
+        runInTurn({ONE_RETICLE, ONE_RETICLE, ONE_RETICLE}, {"delete", "3", "1", "3"}, &requests);
+    EXPECT_EQ(requests,
+              (std::vector<std::string>{R"({"action":"RETICLES_DELETE","indices":[3]})",
+                                        R"({"action":"RETICLES_DELETE","indices":[1]})",
+                                        R"({"action":"RETICLES_DELETE","indices":[3]})"}));
+    EXPECT_EQ(outcome.out, ONE_RETICLE_TABLE);
 }
 
 TEST_F(CommandLine, ShowPrintsTheDataByteForByte) {
@@ -182,8 +210,36 @@ TEST_F(CommandLine, ShowWritesToAFile) {
     EXPECT_EQ(readFile("out.svg"), "<svg stroke=\"red\"/>\n");
 }
 
-TEST_F(CommandLine, ShowAsJsonIsTheWholeReply) {
-    EXPECT_EQ(exchange({"show", "4", "--json"}).outcome.out, std::string(ONE_RETICLE) + '\n');
+TEST_F(CommandLine, ShowAsJsonIsThatReticle) {
+    EXPECT_EQ(exchange({"show", "4", "--json"}).outcome.out,
+              R"({"data":"<svg stroke=\"red\"/>\n","index":4,"isActive":true,)"
+              R"("isDeletable":true,"name":"Dot"})"
+              "\n");
+}
+
+TEST_F(CommandLine, ShowOnATerminalCannotSteerIt) {
+    const std::string reply =
+        R"({"result":"OK","reticles":[{"index":4,"name":"","data":"a\n\tb\u001b[2J\u009b\u202e",)"
+        R"("isDeletable":true,"isActive":true}]})";
+    EXPECT_EQ(exchange({"show", "4"}, reply).outcome.out, "a\n\tb\x1B[2J\xC2\x9B\xE2\x80\xAE");
+    EXPECT_EQ(exchange({"show", "4"}, reply, "", onTerminal()).outcome.out,
+              "a\n\tb\\x1B[2J\\x9B\\u202E");
+}
+
+TEST_F(CommandLine, ShowToldToATerminalSaysThatTheColourIsFixed) {
+    const std::string note =
+        "reticlectl: note: the user's colour is put in; stored again as it is, it stays fixed\n";
+    EXPECT_EQ(exchange({"show", "4"}, ONE_RETICLE, "", onTerminal()).outcome.err, note);
+    EXPECT_EQ(exchange({"show", "4"}).outcome.err, "");
+}
+
+TEST_F(CommandLine, JsonCannotSteerTheTerminal) {
+    EXPECT_EQ(exchange({"list", "--json"},
+                       "{\"result\":\"OK\",\n\t\"reticles\":null,\"x\":\"\x1B\xC2\x9B\xE2\x80\xAE"
+                       "\xFF\xC3\xA9\"}")
+                  .outcome.out,
+              "{\"result\":\"OK\",\n\t\"reticles\":null,\"x\":\"\\u001B\\u009B\\u202E"
+              "\\uFFFD\xC3\xA9\"}\n");
 }
 
 TEST_F(CommandLine, ShowOfAnIndexThatIsNotListedIsARefusal) {
@@ -219,8 +275,105 @@ TEST_F(CommandLine, GalleryAsJsonIsTheReplyItself) {
     EXPECT_EQ(exchange({"gallery", "--json"}).outcome.out, std::string(ONE_RETICLE) + '\n');
 }
 
+TEST_F(CommandLine, GalleryDoesNotFloodATerminal) {
+    const Exchange run = exchange({"gallery"}, ONE_RETICLE, "", onTerminal());
+    expectOneErrorLine(run.outcome, ExitStatus::USAGE, "name a file with --output FILE.html");
+    EXPECT_EQ(run.outcome.out, "");
+    const Exchange asked = exchange({"gallery", "--output", "-"}, ONE_RETICLE, "", onTerminal());
+    EXPECT_TRUE(asked.outcome.out.starts_with("<!DOCTYPE"));
+}
+
 TEST_F(CommandLine, GalleryKnowsThreeBackgrounds) {
     expectUsageError({"gallery", "--background", "Pink"}, "--background");
+}
+
+TEST_F(CommandLine, ARefusalInTheMiddleSaysWhatIsDoneAndWhatIsNot) {
+    const Outcome outcome = runInTurn(
+        {ONE_RETICLE, ONE_RETICLE, R"({"result":"RETICLE_INDEX_NOT_FOUND"})", ONE_RETICLE},
+        {"delete", "8", "7", "8", "6", "5"});
+    EXPECT_EQ(outcome.status, ExitStatus::REFUSED);
+    EXPECT_EQ(outcome.err,
+              "reticlectl: refused by the device: RETICLE_INDEX_NOT_FOUND: the device has no "
+              "reticle of this index: list the reticles to see which there are\n"
+              "done (2): 8, 7\n"
+              "refused: 8\n"
+              "not tried (2): 6, 5\n");
+    EXPECT_EQ(outcome.out, ONE_RETICLE_TABLE);
+}
+
+TEST_F(CommandLine, ARefusalInTheMiddleAsJsonIsOneDocument) {
+    const std::string file = writeFile("f", "x");
+    const Outcome outcome =
+        runInTurn({ONE_RETICLE, R"({"result":"RETICLES_COUNT_OUT_OF_BOUNDS"})", ONE_RETICLE},
+                  {"--json", "add", "a", file, "b\x1B", file, "c", file});
+    EXPECT_EQ(outcome.status, ExitStatus::REFUSED);
+    EXPECT_EQ(outcome.out, R"({"done":["a"],"notTried":["c"],"refused":"b\u001b",)"
+                           R"("result":"RETICLES_COUNT_OUT_OF_BOUNDS","reticles":[)"
+                           R"({"data":"<svg stroke=\"red\"/>\n","index":4,"isActive":true,)"
+                           R"("isDeletable":true,"name":"Dot"}]})"
+                           "\n");
+    EXPECT_TRUE(outcome.err.ends_with("done (1): a\nrefused: b\\x1B\nnot tried (1): c\n"))
+        << outcome.err;
+}
+
+TEST_F(CommandLine, SilenceInTheMiddleSaysWhatMayBeDone) {
+    const Outcome outcome =
+        runInTurn({ONE_RETICLE}, {"--timeout", "1", "--json", "delete", "8", "7"});
+    EXPECT_EQ(outcome.status, ExitStatus::NO_REPLY);
+    EXPECT_TRUE(
+        outcome.err.ends_with("may have been carried out all the same: list the reticles "
+                              "before you repeat it\ndone (1): 8\nmay be done or not: 7\n"))
+        << outcome.err;
+    EXPECT_TRUE(outcome.out.starts_with(
+        R"({"error":{"done":[8],"exitStatus":4,"kind":"NO_REPLY","message":)"))
+        << outcome.out;
+    EXPECT_TRUE(outcome.out.ends_with(R"("notTried":[],"uncertain":7}})"
+                                      "\n"))
+        << outcome.out;
+}
+
+TEST_F(CommandLine, AnEmptyFileIsAUsageError) {
+    expectUsageError({"add", "E", writeFile("f", "")}, "the data of reticle \"E\" is empty: ");
+    expectUsageError({"update", "1", "E", writeFile("f", "")}, "is empty: ");
+}
+
+TEST_F(CommandLine, AColourThatWillNotFollowTheUserIsWarnedOf) {
+    const auto warning = [this](const std::string& data) {
+        const std::string file = writeFile("f", data);
+        const std::string ofAdd = exchange({"add", "E", file}).outcome.err;
+        EXPECT_EQ(exchange({"update", "4", "E", file}).outcome.err, ofAdd);
+        return ofAdd;
+    };
+    EXPECT_EQ(warning(R"(<svg stroke="user_color"/>)"), "");
+    EXPECT_EQ(warning("<svg stroke='user_color'/>"),
+              "reticlectl: warning: \"E\" will not show the user's colour: its data has user_color "
+              "without the double quotes around it\n");
+    EXPECT_EQ(warning("<svg stroke='red'/>"),
+              "reticlectl: warning: \"E\" will not show the user's colour: its data has no "
+              "\"user_color\", double quotes included\n");
+}
+
+TEST_F(CommandLine, HelpIsACommandToo) {
+    EXPECT_EQ(runProgram({"help"}).out, runProgram({"--help"}).out);
+    EXPECT_EQ(runProgram({"help", "add"}).out, runProgram({"add", "--help"}).out);
+    EXPECT_EQ(runProgram({"help", "add"}).status, ExitStatus::DONE);
+    expectUsageError({"help", "lst"}, "unknown command lst");
+}
+
+TEST_F(CommandLine, AMistakeNamesTheHelpThatTellsMore) {
+    expectUsageError({"add", "Dot"}, ": see reticlectl add --help\n");
+    expectUsageError({"list", "--port", "0"}, ": see reticlectl --help\n");
+    expectUsageError({"lst"}, ": see reticlectl --help\n");
+}
+
+TEST_F(CommandLine, NumbersThatAreTooLargeAreToldTheirRange) {
+    expectUsageError({"activate", "2147483648"},
+                     R"("2147483648" is not a number from 0 to 2147483647)");
+    expectUsageError({"ping", "--count", "99999999999999999999"},
+                     R"("99999999999999999999" is not a number from 0 to 1000000000)");
+    expectUsageError({"list", "--port", "99999999999999999999"},
+                     R"("99999999999999999999" is not a number from 1 to 65535)");
+    expectUsageError({"list", "--timeout", "99999999999999999999"}, "from 0.001 to 86400");
 }
 
 TEST_F(CommandLine, ARefusalSaysItsNameAndMeaning) {
@@ -232,8 +385,9 @@ TEST_F(CommandLine, ARefusalSaysItsNameAndMeaning) {
 
 TEST_F(CommandLine, ARefusalWithoutANameSaysSo) {
     const Exchange run = exchange({"list"}, R"({"result":""})");
-    expectOneErrorLine(run.outcome, ExitStatus::REFUSED,
-                       "\"\": a code that the service has no name for");
+    expectOneErrorLine(
+        run.outcome, ExitStatus::REFUSED,
+        "\"\": a code that the service has no name for, or an answer without any: check");
 }
 
 TEST_F(CommandLine, ARefusalAsJsonIsPrintedToo) {

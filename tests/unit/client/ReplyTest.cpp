@@ -114,6 +114,26 @@ TEST(Reply, ATextMayHoldANul) {
     EXPECT_EQ(reply.reticles.at(0).data, std::string("x\0y", 3));
 }
 
+/// A reply with `count` values in it, the reply itself and its two members among them.
+std::string withValues(std::size_t count) {
+    std::string numbers;
+    for (std::size_t number = 3; number < count; ++number) {
+        numbers += number > 3 ? ",1" : "1";
+    }
+    return R"({"reticles":null,"x":[)" + numbers + "]}";
+}
+
+TEST(Reply, MoreValuesThanAnyListHoldsAreNotParsed) {
+    constexpr std::size_t MOST = 1'000'000;
+    EXPECT_NO_THROW((void)Reply::parse(withValues(MOST - 10)));
+    try {
+        (void)Reply::parse(withValues(MOST + 10));
+        FAIL();
+    } catch (const MalformedReply& error) {
+        EXPECT_NE(std::string(error.what()).find("more values than any list"), std::string::npos);
+    }
+}
+
 TEST(ResultMeaning, EveryNameHasOneOfItsOwn) {
     EXPECT_EQ(resultMeaning("OK"), "done");
     EXPECT_EQ(resultMeaning("RETICLE_INDEX_NOT_FOUND"),
@@ -125,9 +145,14 @@ TEST(ResultMeaning, EveryNameHasOneOfItsOwn) {
         "factory reticles and the active one stay: check in the list that it is deletable and "
         "not active");
     EXPECT_EQ(resultMeaning("UNKNOWN_ACTION"),
-              "the device does not know this command: check the versions of its two sides");
+              "the device cannot carry this out: when a reticle is stored, check first that the "
+              "service may write to /tmp/FL0/ and that there is room, as the device cannot read "
+              "data that is not there; then that both sides of the device are of the same version; "
+              "the log of its RTOS side tells more");
     EXPECT_EQ(resultMeaning(""),
-              "a code that the service has no name for: check the log of the device's RTOS side");
+              "a code that the service has no name for, or an answer without any: check first the "
+              "log of the device's RTOS side, then that both sides of the device are of the same "
+              "version");
     EXPECT_EQ(resultMeaning("SOMETHING_NEW"),
               "unknown to this client: check that it is as new as the service");
 }

@@ -53,10 +53,109 @@ TEST(ReticleClient, SendsEachCommandOnce) {
     EXPECT_EQ(
         requestOf([](ReticleClient& client) { client.update(7, "a", "b"); }),
         R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"b","index":7,"name":"a"}]})");
-    EXPECT_EQ(requestOf([](ReticleClient& client) {
-                  client.remove({1, 2});
-              }),
-              R"({"action":"RETICLES_DELETE","indices":[1,2]})");
+    EXPECT_EQ(requestOf([](ReticleClient& client) { client.remove({2}); }),
+              R"({"action":"RETICLES_DELETE","indices":[2]})");
+}
+
+/// A service that refuses the third request, and what it was asked for.
+FakeService::Script refusingTheThird(std::vector<std::string>& requests) {
+    return [&requests](FakePeer& peer) {
+        for (std::string request; !(request = peer.receiveRequest()).empty();) {
+            requests.push_back(request);
+            constexpr std::size_t THIRD = 3;
+            peer.send(encodeFrame(requests.size() == THIRD
+                                      ? R"({"result":"RETICLES_COUNT_OUT_OF_BOUNDS"})"
+                                      : ONE_RETICLE));
+        }
+    };
+}
+
+TEST(ReticleClient, ARefusalInTheMiddleTellsHowFarItCameAndWhatTheListIsNow) {
+    std::vector<std::string> requests;
+    {
+        const FakeService service(refusingTheThird(requests));
+        ReticleClient client(HOST, service.port(), 10s);
+        try {
+            client.add({{"a", "1"}, {"b", "2"}, {"c", "3"}, {"d", "4"}});
+            FAIL();
+        } catch (const Refused& refusal) {
+            EXPECT_EQ(refusal.doneCount(), 2U);
+            ASSERT_NE(refusal.list(), nullptr);
+            EXPECT_EQ(refusal.list()->json, ONE_RETICLE);
+        }
+    }
+    EXPECT_EQ(requests,
+              (std::vector<std::string>{
+                  R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"1","name":"a"}]})",
+                  R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"2","name":"b"}]})",
+                  R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"data":"3","name":"c"}]})",
+                  R"({"action":"RETICLES_GET_ALL"})"}));
+}
+
+TEST(ReticleClient, ARefusalInTheMiddleOfADeletionTellsTheSame) {
+    std::vector<std::string> requests;
+    const FakeService service(refusingTheThird(requests));
+    ReticleClient client(HOST, service.port(), 10s);
+    try {
+        client.remove({8, 7, 8});
+        FAIL();
+    } catch (const Refused& refusal) {
+        EXPECT_EQ(refusal.doneCount(), 2U);
+        EXPECT_NE(refusal.list(), nullptr);
+    }
+}
+
+TEST(ReticleClient, SilenceInTheMiddleTellsHowFarItCameAndThatTheNextMayBeDone) {
+    const FakeService service([](FakePeer& peer) {
+        peer.receiveRequest();
+        peer.send(encodeFrame(EMPTY_LIST));
+        peer.waitForClose();
+    });
+    ReticleClient client(HOST, service.port(), 1s);
+    try {
+        client.remove({8, 7, 6});
+        FAIL();
+    } catch (const NoReply& error) {
+        EXPECT_EQ(error.doneCount(), 1U);
+        EXPECT_TRUE(std::string(error.what())
+                        .ends_with("; the change may have been carried out all the same: list the "
+                                   "reticles before you repeat it"))
+            << error.what();
+    }
+}
+
+TEST(ReticleClient, NothingIsSentUnlessAllCanBe) {
+    std::vector<std::string> requests;
+    {
+        const FakeService service(answering(encodeFrame(EMPTY_LIST), &requests));
+        ReticleClient client(HOST, service.port(), 10s);
+        EXPECT_THROW(client.add({{"a", "1"}, {"b", ""}}), InvalidRequest);
+    }
+    EXPECT_EQ(requests, std::vector<std::string>{});
+}
+
+TEST(ReticleClient, ChangesOfNothingReturnTheList) {
+    for (const auto& call : {+[](ReticleClient& client) { client.add({}); },
+                             +[](ReticleClient& client) { client.remove({}); }}) {
+        EXPECT_EQ(requestOf(call), R"({"action":"RETICLES_GET_ALL"})");
+    }
+}
+
+TEST(ReticleClient, HasTheServicesPortAndATimeoutByItself) {
+    static_assert(std::is_constructible_v<ReticleClient, const char*>);
+    EXPECT_EQ(ReticleClient::DEFAULT_PORT, 3451);
+    EXPECT_EQ(ReticleClient::DEFAULT_TIMEOUT, 10s);
+}
+
+TEST(ReticleClient, AWaitIsToldEverySecond) {
+    const FakeService service([](FakePeer& peer) { peer.waitForClose(); });
+    std::vector<std::chrono::milliseconds> told;
+    ReticleClient client(HOST, service.port(), 2500ms, -1,
+                         [&told](std::chrono::milliseconds passed) { told.push_back(passed); });
+    EXPECT_THROW(client.list(), NoReply);
+    ASSERT_FALSE(told.empty());
+    EXPECT_GE(told.front(), 1s);
+    EXPECT_LE(told.back(), 2500ms);
 }
 
 TEST(ReticleClient, ReturnsTheReply) {
@@ -244,7 +343,7 @@ TEST(ReticleClient, WhatCannotBeSentIsNotSent) {
     {
         const FakeService service(answering(encodeFrame(EMPTY_LIST), &requests));
         ReticleClient client(HOST, service.port(), 10s);
-        EXPECT_THROW(client.add({{"\xFF", ""}}), InvalidText);
+        EXPECT_THROW(client.add({{"\xFF", "x"}}), InvalidText);
         EXPECT_THROW(client.update(1, "n", std::string(4194304, 'x')), RequestTooLarge);
         EXPECT_THROW(client.update(-1, "n", ""), InvalidRequest);
         client.list();

@@ -43,6 +43,14 @@ TEST(UserColor, IsAbsentFromDataThatIsNotSvg) {
     EXPECT_EQ(userColor(" stroke=red"), Color());
 }
 
+TEST(TakesUserColor, OnlyThePlaceholderInDoubleQuotes) {
+    EXPECT_TRUE(takesUserColor(R"(<svg stroke="user_color"/>)"));
+    EXPECT_TRUE(takesUserColor(R"(not SVG: "user_color")"));
+    EXPECT_FALSE(takesUserColor("<svg stroke='user_color'/>"));
+    EXPECT_FALSE(takesUserColor(R"(<svg style="stroke:user_color"/>)"));
+    EXPECT_FALSE(takesUserColor(R"(<svg stroke="red"/>)"));
+}
+
 }  // namespace
 
 }  // namespace reticle

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "tools/reticlectl/commands/Commands.h"
+#include "tools/reticlectl/commands/readReticle.h"
 #include "tools/reticlectl/files/TextFile.h"
 #include "tools/reticlectl/outcome/Failure.h"
 
@@ -44,11 +45,13 @@ void add(const Session& session, const std::vector<NamedFile>& pairs) {
                       "standard input can be read for one reticle only: use files");
     }
     std::vector<reticle::NewReticle> reticles;
-    reticles.reserve(pairs.size());
+    Json::Value names(Json::arrayValue);
     for (const NamedFile& pair : pairs) {
-        reticles.push_back({pair.name, readText(pair.file, session.in)});
+        reticles.push_back(readReticle(session, pair.name, pair.file));
+        names.append(pair.name);
     }
-    session.print(session.connect().add(reticles));
+    session.change(names, [&](reticle::ReticleClient& client) { return client.add(reticles); });
+    warnOfFixedColors(session, reticles);
 }
 
 }  // namespace

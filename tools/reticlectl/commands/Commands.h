@@ -17,6 +17,9 @@ void addDeleteCommand(CLI::App& app, const Session& session);
 void addShowCommand(CLI::App& app, const Session& session);
 void addGalleryCommand(CLI::App& app, const Session& session);
 
+/// The command that prints the help, its own or that of another command of `app`.
+void addHelpCommand(CLI::App& app, const Session& session);
+
 /// The same; the command's own verdict goes to `status`, which must outlive `app`, too.
 void addPingCommand(CLI::App& app, const Session& session, ExitStatus& status);
 

@@ -7,13 +7,16 @@
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/files/TextFile.h"
 #include "tools/reticlectl/gallery/GalleryPage.h"
+#include "tools/reticlectl/outcome/Failure.h"
+#include "tools/reticlectl/terminal/DisplayText.h"
 
 namespace reticlectl {
 
 namespace {
 
 struct GalleryArguments {
-    std::string output = STANDARD_STREAM;
+    /// Empty where the user names none.
+    std::string output;
     std::string background = "light";
 };
 
@@ -24,13 +27,18 @@ const std::map<std::string, Background>& backgrounds() {
 }
 
 void makeGallery(const Session& session, const GalleryArguments& arguments) {
-    const reticle::Reply reply = session.connect().list();
+    if (arguments.output.empty() && session.terminal.takesOutput && !session.wantsJson) {
+        throw Failure(ExitStatus::USAGE,
+                      "a page is nothing to read on a terminal: name a file with --output "
+                      "FILE.html (- for the terminal all the same)");
+    }
+    const reticle::Reply reply = session.list();
     const std::string device = session.host + ":" + std::to_string(session.port);
     const std::string text =
         session.wantsJson
-            ? reply.json + '\n'
+            ? printableJson(reply.json) + '\n'
             : renderGallery(reply.reticles, device, backgrounds().at(arguments.background));
-    writeText(arguments.output, text, session.out);
+    writeText(arguments.output.empty() ? STANDARD_STREAM : arguments.output, text, session.out);
 }
 
 }  // namespace

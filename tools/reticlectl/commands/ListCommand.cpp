@@ -16,7 +16,7 @@ void addListCommand(CLI::App& app, const Session& session) {
                             ->check(&checkSeconds);
     command->callback([&session, interval, watch] {
         if (watch->empty()) {
-            session.print(session.connect().list());
+            session.print(session.list());
         } else {
             ReticleWatch(session, *interval).run();
         }

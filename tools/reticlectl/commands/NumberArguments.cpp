@@ -1,20 +1,25 @@
 #include "tools/reticlectl/commands/NumberArguments.h"
 
-#include <algorithm>
 #include <charconv>
+#include <limits>
 #include <sstream>
+#include <system_error>
 
 namespace reticlectl {
 
-bool isDecimalNumber(const std::string& text) {
-    const bool isNumber = !text.empty() && std::all_of(text.begin(), text.end(), [](char digit) {
-        return digit >= '0' && digit <= '9';
-    });
-    return isNumber && (text.size() == 1 || text.front() != '0');
+std::string checkNumber(const std::string& text, int smallest, int largest) {
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const bool isNumber = error == std::errc() && stop == end && std::to_string(number) == text;
+    return isNumber && number >= smallest && number <= largest
+               ? ""
+               : "\"" + text + "\" is not a number from " + std::to_string(smallest) + " to " +
+                     std::to_string(largest);
 }
 
 std::string checkIndex(const std::string& text) {
-    return isDecimalNumber(text) ? "" : "\"" + text + "\" is no index";
+    return checkNumber(text, 0, std::numeric_limits<int>::max());
 }
 
 std::string checkSeconds(const std::string& text) {

@@ -6,11 +6,10 @@
 
 namespace reticlectl {
 
-/// Whether `text` is a number of decimal digits alone, without leading zeros.
-[[nodiscard]] bool isDecimalNumber(const std::string& text);
+/// Accepts decimal numbers of a range alone: by itself the parser also takes "true" for 1 and "010"
+/// for 8. \returns what is wrong with `text`, nothing when it is one.
+[[nodiscard]] std::string checkNumber(const std::string& text, int smallest, int largest);
 
-/// Accepts decimal numbers alone: by itself the parser also takes "true" for 1 and "010" for 8.
-/// \returns what is wrong with `text`, nothing when it is an index.
 [[nodiscard]] std::string checkIndex(const std::string& text);
 
 /// Declares the argument INDEX of a command.

@@ -15,7 +15,8 @@ struct PingArguments {
 };
 
 std::string checkCount(const std::string& text) {
-    return isDecimalNumber(text) ? "" : "\"" + text + "\" is no number of requests";
+    constexpr int MOST = 1'000'000'000;
+    return checkNumber(text, 0, MOST);
 }
 
 }  // namespace

@@ -1,13 +1,19 @@
 #pragma once
 
+#include <json/json.h>
+
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "reticle-client/ReticleClient.h"
 #include "tools/reticlectl/table/ReticleTable.h"
+#include "tools/reticlectl/terminal/ProgressLine.h"
 #include "tools/reticlectl/terminal/Terminal.h"
 
 namespace reticlectl {
@@ -27,10 +33,25 @@ struct Session {
     /// Print the reply's JSON instead of a table.
     bool wantsJson = false;
 
-    /// The connection tells the progress of long uploads where standard error is a terminal.
-    /// \param cancelDescriptor see ReticleClient.
+    using Call = std::function<reticle::Reply(reticle::ReticleClient&)>;
+
+    /// The list of the device.
+    /// \throws reticle::ClientError.
+    [[nodiscard]] reticle::Reply list() const;
+
+    /// Carries out a change and prints the list after it. Ctrl-C ends it as a failure, which says
+    /// that what was under way may be done.
+    /// \param items an array of what is changed, a name or an index each.
+    /// \throws reticle::ClientError; PartialChange where one of several items was sent and failed.
+    void change(const Json::Value& items, const Call& call) const;
+
+    /// \param cancelDescriptor and `waitListener` see ReticleClient.
     /// \throws reticle::CannotConnect.
-    [[nodiscard]] reticle::ReticleClient connect(int cancelDescriptor = -1) const;
+    [[nodiscard]] reticle::ReticleClient connect(
+        int cancelDescriptor = -1, reticle::ReticleClient::WaitListener waitListener = {}) const;
+
+    /// A line for what a call is at; null where standard error is no terminal.
+    [[nodiscard]] std::shared_ptr<ProgressLine> progressLine() const;
 
     /// "HOST:PORT" of the service.
     [[nodiscard]] std::string peer() const;
@@ -40,6 +61,12 @@ struct Session {
 
     /// Prints what the device answered: the table of its reticles, or the JSON.
     void print(const reticle::Reply& reply) const;
+
+    /// A line on standard error that is no failure. \param text any.
+    void note(const std::string& text) const;
+
+private:
+    [[nodiscard]] reticle::Reply _ask(const Call& call, int cancelDescriptor) const;
 };
 
 }  // namespace reticlectl

@@ -1,11 +1,16 @@
+#include <json/json.h>
+
 #include <algorithm>
 #include <memory>
 #include <string>
 
+#include "reticle-client/UserColor.h"
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/files/TextFile.h"
 #include "tools/reticlectl/outcome/Failure.h"
+#include "tools/reticlectl/outcome/JsonLine.h"
+#include "tools/reticlectl/terminal/DisplayText.h"
 
 namespace reticlectl {
 
@@ -16,7 +21,7 @@ struct ShowArguments {
     std::string output = STANDARD_STREAM;
 };
 
-const std::string& dataOf(const reticle::Reply& reply, int index) {
+const reticle::Reticle& reticleOf(const reticle::Reply& reply, int index) {
     const auto found =
         std::find_if(reply.reticles.begin(), reply.reticles.end(),
                      [index](const reticle::Reticle& reticle) { return reticle.index == index; });
@@ -25,20 +30,32 @@ const std::string& dataOf(const reticle::Reply& reply, int index) {
                                                std::to_string(index) +
                                                ": list the reticles to see which there are");
     }
-    return found->data;
+    return *found;
+}
+
+std::string textFor(const Session& session, const std::string& output,
+                    const reticle::Reticle& reticle) {
+    if (session.wantsJson) {
+        return printableJson(toJsonLine(toJson(reticle))) + '\n';
+    }
+    const bool isForTerminal = output == STANDARD_STREAM && session.terminal.takesOutput;
+    return isForTerminal ? printableLines(reticle.data) : reticle.data;
 }
 
 void show(const Session& session, const ShowArguments& arguments) {
-    const reticle::Reply reply = session.connect().list();
-    const std::string& data = dataOf(reply, arguments.index);
-    const std::string& text = session.wantsJson ? reply.json + '\n' : data;
-    writeText(arguments.output, text, session.out);
+    const reticle::Reply reply = session.list();
+    const reticle::Reticle& reticle = reticleOf(reply, arguments.index);
+    writeText(arguments.output, textFor(session, arguments.output, reticle), session.out);
+    if (session.terminal.takesErrors && reticle::userColor(reticle.data)) {
+        session.note("note: the user's colour is put in; stored again as it is, it stays fixed");
+    }
 }
 
 }  // namespace
 
 void addShowCommand(CLI::App& app, const Session& session) {
-    auto* command = app.add_subcommand("show", "Print a reticle's data, the user's colour put in");
+    auto* command = app.add_subcommand(
+        "show", "Print a reticle's data, its colour fixed: the user's colour is put in");
     const auto arguments = std::make_shared<ShowArguments>();
     addIndexArgument(*command, arguments->index);
     command->add_option("--output", arguments->output, "Write to this file instead")

@@ -3,7 +3,7 @@
 
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/commands/NumberArguments.h"
-#include "tools/reticlectl/files/TextFile.h"
+#include "tools/reticlectl/commands/readReticle.h"
 
 namespace reticlectl {
 
@@ -16,8 +16,11 @@ struct UpdateArguments {
 };
 
 void update(const Session& session, const UpdateArguments& arguments) {
-    std::string data = readText(arguments.file, session.in);
-    session.print(session.connect().update(arguments.index, arguments.name, std::move(data)));
+    const reticle::NewReticle reticle = readReticle(session, arguments.name, arguments.file);
+    session.change(arguments.index, [&](reticle::ReticleClient& client) {
+        return client.update(arguments.index, reticle.name, reticle.data);
+    });
+    warnOfFixedColors(session, {reticle});
 }
 
 }  // namespace

@@ -74,9 +74,9 @@ _reticlectl() {
     _reticlectl_read_words
     case $current,$command,$arguments in
         -*) mapfile -t COMPREPLY < <(compgen -W "$(_reticlectl_options "$command")" -- "$current") ;;
-        *,,*)
+        *,,* | *,help,0)
             mapfile -t COMPREPLY < <(
-                compgen -W "list activate add update delete show gallery ping" -- "$current"
+                compgen -W "list activate add update delete show gallery ping help" -- "$current"
             )
             ;;
         *,add,*[13579] | *,update,2) _reticlectl_complete_files "$current" ;;

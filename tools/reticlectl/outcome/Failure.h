@@ -14,7 +14,9 @@ enum class ExitStatus : int {
     USAGE = 2,
     CANNOT_CONNECT = 3,
     NO_REPLY = 4,
-    MALFORMED_REPLY = 5
+    MALFORMED_REPLY = 5,
+    /// Ctrl-C during a change, as shells tell the end by that signal.
+    INTERRUPTED = 130
 };
 
 /// A command that cannot go on, for a reason that the client library does not know.

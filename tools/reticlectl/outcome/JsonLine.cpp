@@ -20,6 +20,8 @@ const char* nameOf(ExitStatus status) {
             return "NO_REPLY";
         case ExitStatus::MALFORMED_REPLY:
             return "MALFORMED_REPLY";
+        case ExitStatus::INTERRUPTED:
+            return "INTERRUPTED";
     }
     return "";
 }
@@ -36,13 +38,23 @@ std::string toJsonLine(const Json::Value& document) {
     return Json::writeString(builder, document);
 }
 
-std::string errorJson(ExitStatus status, const std::string& problem) {
+Json::Value toJson(const reticle::Reticle& reticle) {
+    Json::Value document;
+    document["index"] = reticle.index ? Json::Value(*reticle.index) : Json::Value();
+    document["name"] = reticle.name;
+    document["data"] = reticle.data;
+    document["isDeletable"] = reticle.isDeletable;
+    document["isActive"] = reticle.isActive;
+    return document;
+}
+
+Json::Value errorJson(ExitStatus status, const std::string& problem) {
     Json::Value document;
     Json::Value& error = document["error"];
     error["exitStatus"] = static_cast<int>(status);
     error["kind"] = nameOf(status);
     error["message"] = problem;
-    return toJsonLine(document);
+    return document;
 }
 
 }  // namespace reticlectl

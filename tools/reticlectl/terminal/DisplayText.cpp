@@ -60,23 +60,71 @@ std::string escaped(char32_t value) {
     }
 }
 
-}  // namespace
+std::string escapedAsJson(char32_t value) {
+    return hexEscape("\\u", value, 4);
+}
 
-std::string printable(std::string_view text) {
+/// `text` with what could steer replaced by `escape`, but for the characters of `kept`; bytes that
+/// are not UTF-8 are replaced by `escapeByte`.
+template <class Escape, class EscapeByte>
+std::string withoutSteering(std::string_view text, std::u32string_view kept, Escape escape,
+                            EscapeByte escapeByte) {
     std::string shown;
     while (!text.empty()) {
         const auto codePoint = reticle::firstCodePoint(text);
         const std::size_t bytes = codePoint ? codePoint->bytes : 1;
         if (!codePoint) {
-            shown += escaped(static_cast<unsigned char>(text.front()));
-        } else if (canSteer(codePoint->value)) {
-            shown += escaped(codePoint->value);
+            shown += escapeByte(static_cast<unsigned char>(text.front()));
+        } else if (canSteer(codePoint->value) &&
+                   kept.find(codePoint->value) == std::u32string_view::npos) {
+            shown += escape(codePoint->value);
         } else {
             shown += text.substr(0, bytes);
         }
         text.remove_prefix(bytes);
     }
     return shown;
+}
+
+/// How many bytes of `text` fit `columns`: up to the last blank, if any, where it does not fit whole.
+std::size_t lineBytes(std::string_view text, std::size_t columns) {
+    std::size_t width = 0;
+    std::size_t bytes = 0;
+    while (const auto codePoint = reticle::firstCodePoint(text.substr(bytes))) {
+        width += columnsOf(codePoint->value);
+        if (width > columns && bytes > 0) {
+            const std::size_t blank = text.substr(0, bytes + 1).rfind(' ');
+            return blank == std::string_view::npos || blank == 0 ? bytes : blank;
+        }
+        bytes += codePoint->bytes;
+    }
+    return bytes;
+}
+
+}  // namespace
+
+std::string printable(std::string_view text) {
+    return withoutSteering(text, U"", &escaped, &escaped);
+}
+
+std::string printableLines(std::string_view text) {
+    return withoutSteering(text, U"\n\t", &escaped, &escaped);
+}
+
+std::string printableJson(std::string_view json) {
+    return withoutSteering(json, U"\n\r\t", &escapedAsJson,
+                           [](char32_t) { return escapedAsJson(U'\uFFFD'); });
+}
+
+std::string wrapped(std::string_view text, std::size_t columns) {
+    std::string lines;
+    do {
+        const std::size_t bytes = lineBytes(text, columns);
+        lines.append(text.substr(0, bytes)) += '\n';
+        text.remove_prefix(bytes);
+        text.remove_prefix(text.starts_with(' ') ? 1 : 0);
+    } while (!text.empty());
+    return lines;
 }
 
 std::size_t displayWidth(std::string_view text) {

@@ -11,6 +11,18 @@ namespace reticlectl {
 /// as \n, \x1B or \u202E, so that a name from elsewhere does nothing but show.
 [[nodiscard]] std::string printable(std::string_view text);
 
+/// A text of several lines in the same way; its newlines and tabs stay.
+[[nodiscard]] std::string printableLines(std::string_view text);
+
+/// A JSON text that does nothing but show, either: what could steer is escaped as JSON has it, so
+/// that the document reads the same; bytes that are not UTF-8 stand as U+FFFD. Line ends and tabs
+/// stay.
+[[nodiscard]] std::string printableJson(std::string_view json);
+
+/// `text` in lines of at most `columns` columns, each with its newline, broken at blanks where there
+/// are any. \param text printable, UTF-8. \param columns more than 0.
+[[nodiscard]] std::string wrapped(std::string_view text, std::size_t columns);
+
 /// How many terminal columns `text` takes: East Asian characters and emoji two, combining ones
 /// none. \param text printable, UTF-8.
 [[nodiscard]] std::size_t displayWidth(std::string_view text);
