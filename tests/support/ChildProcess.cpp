@@ -14,8 +14,13 @@ ChildProcess::~ChildProcess() {
     if (!isAlive()) {
         return;
     }
-    kill(SIGKILL);
-    waitpid(_pid, nullptr, 0);
+    // As a supervisor ends it: stopped or not, and with the time to write what it has counted.
+    kill(SIGTERM);
+    kill(SIGCONT);
+    if (!waitForEnd()) {
+        kill(SIGKILL);
+        waitpid(_pid, nullptr, 0);
+    }
 }
 
 bool ChildProcess::isAlive() {

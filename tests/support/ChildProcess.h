@@ -8,7 +8,7 @@
 #include "tests/support/Patience.h"
 
 /// A process whose parent we are: one that we started, or a daemon that came to us when its own
-/// parent ended. It is killed and reaped with this object.
+/// parent ended. It is ended and reaped with this object.
 class ChildProcess {
 public:
     explicit ChildProcess(pid_t pid) : _pid(pid) {}

@@ -41,6 +41,8 @@ SanitizerReports::SanitizerReports() {
     addOption("ASAN_OPTIONS", "detect_leaks=0");
     std::ofstream(SUPPRESSIONS) << DESCRIPTOR_RACES;
     addOption("TSAN_OPTIONS", "suppressions=" + SUPPRESSIONS);
+    // The service has no handler but the one that writes its counts of coverage.
+    addOption("TSAN_OPTIONS", "report_signal_unsafe=0");
 }
 
 std::string SanitizerReports::text() const {
