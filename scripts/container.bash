@@ -5,10 +5,16 @@
 #   boot                                 starts it and waits until it is up; ends 77 where nspawn cannot work
 #   start_without_systemd, shut_down     the same without a service manager, and its end
 #   inside COMMAND...                    runs a command in it
+#   make_packages BUILD-DIRECTORY        puts the Debian packages of a build into it, sets $version
+#   make_ordinary, install_packages, purge_packages, as dpkg does it there
 # shellcheck shell=bash
 
 container_root=/run/container/root
 boot_patience=120
+# An answer may need the whole machine to itself; only a failing test waits that long.
+# shellcheck disable=SC2034 # for the scripts
+patience=60
+packages=(reticled reticle-tools libreticle-client-dev)
 
 # Also where a command's output is thrown away while it is tried again, failures are told.
 exec 3>&2
@@ -16,6 +22,10 @@ exec 3>&2
 fail() {
     echo "FAILED: $*" >&3
     exit 1
+}
+
+ok() {
+    echo "ok: $*"
 }
 
 not_tested() {
@@ -157,4 +167,70 @@ shut_down() {
 
 inside() {
     nsenter --target "$leader" --mount --uts --ipc --net --pid --cgroup --root --wd "$@"
+}
+
+make_packages() {
+    cpack --config "$1/CPackConfig.cmake" -B /run/container/packages >/run/container/cpack 2>&1 ||
+        fail "no packages: $(cat /run/container/cpack)"
+    install -m 644 -D -t "$container_root/packages" /run/container/packages/*.deb
+    # shellcheck disable=SC2034 # for the scripts
+    version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$1/CMakeCache.txt")
+}
+
+# Images for containers leave manual pages out, and forbid packages to stop services.
+make_ordinary() {
+    rm -rf "$container_root"/etc/dpkg/dpkg.cfg.d "$container_root/usr/sbin/policy-rc.d"
+    inside dpkg --purge "${packages[@]}" >/dev/null 2>&1
+}
+
+# install_packages PATTERN
+install_packages() {
+    inside sh -c "dpkg --install /packages/$1" >/run/container/dpkg 2>&1 || fail "$(cat /run/container/dpkg)"
+}
+
+purge_packages() {
+    inside dpkg --purge "${packages[@]}" >/run/container/dpkg 2>&1 || fail "$(cat /run/container/dpkg)"
+    # Debian's own presets are in the same directory, which dpkg knows under its other name, /lib.
+    ! grep -v "directory '/usr/lib/systemd/system-preset' not empty" /run/container/dpkg | grep -iE 'warning|error' ||
+        fail "the removal complains"
+    # shellcheck disable=SC2016 # dpkg-query fills it in
+    [ -z "$(inside dpkg-query -W -f '${Package} ' '*reticle*' 2>/dev/null)" ] || fail "dpkg knows the packages"
+    ! inside getent passwd reticled || fail "the user is left"
+    ! inside getent group reticled || fail "the group is left"
+    is_quiet || fail "a process or port is left"
+}
+
+answers() {
+    inside reticlectl --timeout 5 list
+}
+
+listens() {
+    [ -n "$(inside ss -ltnH 'sport = :3451')" ]
+}
+
+is_quiet() {
+    ! inside pgrep 'retic|rtos-sim' >/dev/null && ! listens
+}
+
+is_as_on_this_machine() {
+    local here=/run/container/upper/$1 there=/$1
+    [ "$(stat -c '%F %a %u %g' "$here")" = "$(stat -c '%F %a %u %g' "$there" 2>/dev/null)" ] || return 1
+    if [ -L "$here" ]; then
+        [ "$(readlink "$here")" = "$(readlink "$there")" ]
+    elif [ -f "$here" ]; then
+        cmp -s "$here" "$there"
+    fi
+}
+
+# What every installation and removal leaves: records of dpkg, man-db and the log, and the copies that programs make of
+# the lists of users before they change them.
+bookkeeping='etc/(passwd|shadow|group|gshadow|subuid|subgid)-|etc/\.pwd\.lock'
+bookkeeping+='|var/cache/man(/.*)?|var/lib/dpkg/(status|available)(-old)?|var/log(/.*)?'
+
+# Names of all that was made, changed or removed in the container, short of the bookkeeping.
+changed_files() {
+    local name
+    while IFS= read -r -d '' name; do
+        is_as_on_this_machine "$name" || echo "$name"
+    done < <(find /run/container/upper -mindepth 1 -printf '%P\0' | LC_ALL=C sort -z) | grep -vxE "$bookkeeping"
 }

@@ -57,15 +57,19 @@ private:
     }
 };
 
+void makeFifo(const std::string& path) {
+    if (mkfifo(path.c_str(), S_IRUSR | S_IWUSR) < 0) {
+        throw std::system_error(errno, std::generic_category(), "mkfifo " + path);
+    }
+}
+
 /// A FIFO in the storage, and its writing end once the service has come to read it: the moment in
 /// which a file is being read, for as long as a test likes.
 class FileBeingRead {
 public:
     explicit FileBeingRead(const std::string& name) : _path(ROOT + name) {
         fs::remove(_path);
-        if (mkfifo(_path.c_str(), S_IRUSR | S_IWUSR) < 0) {
-            throw std::system_error(errno, std::generic_category(), "mkfifo " + _path);
-        }
+        makeFifo(_path);
     }
 
     void waitForReader() {
@@ -120,9 +124,12 @@ protected:
         return client.readReply();
     }
 
-    void askToAdd(const std::string& data) {
+    void sendAdd(const std::string& data) {
         client.sendFrame(R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"name":"A","data":")" +
                          data + "\"}]}");
+    }
+
+    void expectAdd() {
         EXPECT_EQ(rtos.receiveRequest(), R"([
 	{
 		"msg_id" : 78,
@@ -130,6 +137,11 @@ protected:
 		"param3_data" : "a:/new_reticle_data0"
 	}
 ])");
+    }
+
+    void askToAdd(const std::string& data) {
+        sendAdd(data);
+        expectAdd();
     }
 
     FrameClient client;
@@ -253,6 +265,32 @@ TEST_F(StorageFaultsTest, FifoWhoseWriterLeavesWithoutAByteIsAnEmptyFile) {
     fifo.waitForReader();
     fifo.end();
     EXPECT_EQ(client.readReply(), NO_RETICLES);
+}
+
+TEST_F(StorageFaultsTest, LinkAsDataFileIsFollowed) {
+    flash.write("target", "of somebody else");
+    fs::create_symlink("target", ROOT + "new_reticle_data0");
+    askToAdd("<a/>");
+    EXPECT_EQ(flash.read("target"), "<a/>");
+    rtos.answer(REFUSED_ANSWER);
+    EXPECT_EQ(client.readReply(), REFUSED_REPLY);
+    EXPECT_FALSE(flash.exists("new_reticle_data0"));
+    EXPECT_TRUE(flash.exists("target"));
+}
+
+TEST_F(StorageFaultsTest, FifoAsDataFileHoldsUpEverybodyUntilItIsRead) {
+    makeFifo(ROOT + "new_reticle_data0");
+    sendAdd("<a/>");
+    FrameClient other;
+    other.sendFrame(exchanges::GET_ALL);
+    EXPECT_TRUE(service.hasProgress("json is true, length = 29\n"));
+    EXPECT_TRUE(rtos.isQuiet());
+    EXPECT_EQ(flash.read("new_reticle_data0"), "<a/>");
+    expectAdd();
+    rtos.answer(REFUSED_ANSWER);
+    EXPECT_EQ(client.readReply(), REFUSED_REPLY);
+    EXPECT_EQ(rtos.exchange(exchanges::FULL), LIST_REQUEST);
+    EXPECT_EQ(other.readReply(), exchanges::FULL_REPLY);
 }
 
 TEST_F(StorageFaultsTest, DeviceWithoutContentIsAnEmptyReticleFile) {
