@@ -80,6 +80,14 @@ std::optional<Step> StepReader::next() {
     return step;
 }
 
+std::vector<Step> StepReader::rest() {
+    std::vector<Step> steps;
+    while (std::optional<Step> step = next()) {
+        steps.push_back(*std::move(step));
+    }
+    return steps;
+}
+
 bool StepReader::_readLine() {
     if (std::exchange(_isLineUnread, false)) {
         return true;

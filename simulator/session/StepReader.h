@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace sim {
 
@@ -36,6 +37,9 @@ public:
     /// \throws std::runtime_error "line N: " and what is wrong: a text that belongs to no step, or
     ///         has another size than its step says, or cannot be decoded.
     [[nodiscard]] std::optional<Step> next();
+
+    /// All steps that are left. \throws as `next`.
+    [[nodiscard]] std::vector<Step> rest();
 
 private:
     /// Lets `_line` be the next line that is no comment. \return false at the end

@@ -33,12 +33,7 @@ std::ifstream openInput(const std::string& path) {
 
 std::vector<sim::Step> readSteps(const std::string& path) {
     std::ifstream input = openInput(path);
-    sim::StepReader reader(input);
-    std::vector<sim::Step> steps;
-    while (std::optional<sim::Step> step = reader.next()) {
-        steps.push_back(*std::move(step));
-    }
-    return steps;
+    return sim::StepReader(input).rest();
 }
 
 [[noreturn]] void failAt(const std::string& path, const sim::Step& step) {

@@ -16,33 +16,33 @@ namespace {
 using reticle::FRAME_HEADER_BYTES;
 
 // The body of a step that shows a frame as its body or as the bytes on the wire.
-std::string bodyOf(const TranscriptStep& step) {
-    return step.instruction.ends_with(" hex") ? fromHex(step.text).substr(FRAME_HEADER_BYTES)
-                                              : step.text;
+std::string bodyOf(const sim::Step& step) {
+    const std::string text = step.text.value();
+    return step.instruction.ends_with(" hex") ? fromHex(text).substr(FRAME_HEADER_BYTES) : text;
 }
 
 /// The bodies in the transcripts of the protocol's document.
 class DocumentedTrafficTest : public testing::Test {
 protected:
     // A request that leads to nothing is one that the service cannot read.
-    void checkRequest(const TranscriptStep& step, const TranscriptStep& next) {
+    void checkRequest(const sim::Step& step, const sim::Step& next) {
         const bool isReadable = next.instruction != "client receives nothing";
         EXPECT_EQ(requests.accepts(bodyOf(step)), isReadable)
-            << step.place << ": " << requests.complaintAbout(bodyOf(step));
+            << "line " << step.line << ": " << requests.complaintAbout(bodyOf(step));
         ++checked;
     }
 
-    void checkReply(const TranscriptStep& step) {
-        EXPECT_EQ(replies.complaintAbout(bodyOf(step)), "") << step.place;
+    void checkReply(const sim::Step& step) {
+        EXPECT_EQ(replies.complaintAbout(bodyOf(step)), "") << "line " << step.line;
         ++checked;
     }
 
     void check(const Transcript& transcript) {
         for (std::size_t i = 0; i < transcript.steps.size(); ++i) {
-            const TranscriptStep& step = transcript.steps[i];
-            if (step.instruction.starts_with("client sends ")) {
+            const sim::Step& step = transcript.steps[i];
+            if (step.instruction.starts_with("client sends")) {
                 checkRequest(step, transcript.steps.at(i + 1));
-            } else if (step.instruction.starts_with("client receives ") && step.hasText) {
+            } else if (step.instruction.starts_with("client receives") && step.text) {
                 checkReply(step);
             }
         }

@@ -2,29 +2,26 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace {
 
-constexpr std::string_view BLOCK_START = "```transcript";
-constexpr std::string_view BLOCK_END = "```";
-constexpr std::string_view INDENTATION = "    ";
-constexpr std::string_view COMMENT = "#";
+constexpr const char* BLOCK_START = "```transcript";
+constexpr const char* BLOCK_END = "```";
 
-void appendText(TranscriptStep& step, std::string_view line) {
-    if (step.hasText) {
-        step.text += '\n';
+/// Reads on to the end of a block. \param line the number of its first line, and then of its last
+std::vector<sim::Step> readBlock(std::istream& document, std::size_t& line) {
+    // Empty lines stand for those before it: so each step gets its line of the document.
+    std::string block(line, '\n');
+    for (std::string text; std::getline(document, text); block += text + '\n') {
+        ++line;
+        if (text == BLOCK_END) {
+            std::istringstream input(block);
+            return sim::StepReader(input).rest();
+        }
     }
-    step.text += line.substr(INDENTATION.size());
-    step.hasText = true;
-}
-
-void appendLine(Transcript& transcript, const std::string& place, const std::string& line) {
-    if (line.starts_with(INDENTATION) && !transcript.steps.empty()) {
-        appendText(transcript.steps.back(), line);
-    } else if (!line.starts_with(COMMENT)) {
-        transcript.steps.push_back({place, line, {}, false});
-    }
+    throw std::runtime_error("the last transcript has no end");
 }
 
 }  // namespace
@@ -36,21 +33,13 @@ std::vector<Transcript> Transcript::readFrom(const std::string& path) {
     }
     const std::string name = std::filesystem::path(path).filename();
     std::vector<Transcript> transcripts;
-    bool isInside = false;
-    std::size_t number = 0;
-    for (std::string line; std::getline(document, line);) {
-        const std::string place = name + ":" + std::to_string(++number);
-        if (!isInside && line == BLOCK_START) {
-            isInside = true;
-            transcripts.push_back({place, {}});
-        } else if (isInside && line == BLOCK_END) {
-            isInside = false;
-        } else if (isInside) {
-            appendLine(transcripts.back(), place, line);
+    std::size_t line = 0;
+    for (std::string text; std::getline(document, text);) {
+        ++line;
+        if (text == BLOCK_START) {
+            const std::string place = name + ":" + std::to_string(line);
+            transcripts.push_back({place, readBlock(document, line)});
         }
-    }
-    if (isInside) {
-        throw std::runtime_error(transcripts.back().place + ": the transcript has no end");
     }
     return transcripts;
 }

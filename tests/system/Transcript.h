@@ -1,28 +1,19 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
-/// One line of a transcript and the indented text below it.
-struct TranscriptStep {
-    /// Where the step stands, "client-protocol.md:17".
-    std::string place;
-    /// Such as "client sends 29 bytes".
-    std::string instruction;
-    /// The indented lines without their indentation, joined by newlines.
-    std::string text;
-    /// Whether there are indented lines at all: a file may be shown without its content.
-    bool hasText = false;
-};
+#include "simulator/session/StepReader.h"
 
 /// A story told in a protocol document, in a fenced block marked "transcript".
 struct Transcript {
     /// Where the block stands, "client-protocol.md:17".
     std::string place;
-    std::vector<TranscriptStep> steps;
+    /// Such as "client sends 29 bytes" and the text; their lines are those of the document.
+    std::vector<sim::Step> steps;
 
-    /// All transcripts of a document, in order; comment lines are left out.
-    /// \throws std::runtime_error when the document cannot be read or a block has no end.
+    /// All transcripts of a document, in order.
+    /// \throws std::runtime_error when the document cannot be read, a block has no end, or a text is
+    ///         not as long as its step says.
     [[nodiscard]] static std::vector<Transcript> readFrom(const std::string& path);
 };

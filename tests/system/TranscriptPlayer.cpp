@@ -16,6 +16,8 @@ namespace {
 // reply shows whether another came before it.
 constexpr std::chrono::milliseconds NO_REPLY_WAIT{300};
 
+constexpr const char* HEX = " hex";
+constexpr const char* NOTHING = " nothing";
 constexpr std::string_view STORAGE_ROOT = "/tmp/FL0/";
 
 std::string belowStorageRoot(const std::string& path) {
@@ -25,9 +27,11 @@ std::string belowStorageRoot(const std::string& path) {
     return path.substr(STORAGE_ROOT.size());
 }
 
-// The document tells the number of bytes as well ("29 bytes"), and must be right.
-void expectSize(const std::string& size, const TranscriptStep& step) {
-    EXPECT_EQ(size, std::to_string(step.text.size()) + " bytes");
+const std::string& textOf(const sim::Step& step) {
+    if (!step.text) {
+        throw std::runtime_error("the step has no text");
+    }
+    return *step.text;
 }
 
 }  // namespace
@@ -38,8 +42,8 @@ TranscriptPlayer::TranscriptPlayer(const FlashFiles& flash) : _flash(flash) {
 }
 
 void TranscriptPlayer::play(const Transcript& transcript) {
-    for (const TranscriptStep& step : transcript.steps) {
-        SCOPED_TRACE(step.place + ": " + step.instruction);
+    for (const sim::Step& step : transcript.steps) {
+        SCOPED_TRACE("line " + std::to_string(step.line) + ": " + step.instruction);
         _play(step);
     }
     if (transcript.steps.back().instruction == "client receives nothing") {
@@ -49,16 +53,16 @@ void TranscriptPlayer::play(const Transcript& transcript) {
     EXPECT_TRUE(_rtos.isQuiet()) << transcript.place;
 }
 
-void TranscriptPlayer::_play(const TranscriptStep& step) {
+void TranscriptPlayer::_play(const sim::Step& step) {
     struct Verb {
         std::string_view start;
-        void (TranscriptPlayer::*play)(const std::string& object, const TranscriptStep& step);
+        void (TranscriptPlayer::*play)(const std::string& object, const sim::Step& step);
     };
     // "file " comes last: the other verbs of files begin with it.
-    constexpr std::array<Verb, 7> VERBS{{{"client sends ", &TranscriptPlayer::_sendFromClient},
-                                         {"client receives ", &TranscriptPlayer::_receiveAtClient},
-                                         {"rtos receives ", &TranscriptPlayer::_receiveAtRtos},
-                                         {"rtos answers ", &TranscriptPlayer::_answerFromRtos},
+    constexpr std::array<Verb, 7> VERBS{{{"client sends", &TranscriptPlayer::_sendFromClient},
+                                         {"client receives", &TranscriptPlayer::_receiveAtClient},
+                                         {"rtos receives", &TranscriptPlayer::_receiveAtRtos},
+                                         {"rtos answers", &TranscriptPlayer::_answerFromRtos},
                                          {"file exists ", &TranscriptPlayer::_checkFile},
                                          {"file missing ", &TranscriptPlayer::_checkMissing},
                                          {"file ", &TranscriptPlayer::_writeFile}}};
@@ -72,50 +76,50 @@ void TranscriptPlayer::_play(const TranscriptStep& step) {
     (this->*verb->play)(step.instruction.substr(verb->start.size()), step);
 }
 
-void TranscriptPlayer::_sendFromClient(const std::string& what, const TranscriptStep& step) {
-    if (what == "hex") {
-        _client->sendBytes(fromHex(step.text));
+void TranscriptPlayer::_sendFromClient(const std::string& what, const sim::Step& step) {
+    if (what == HEX) {
+        _client->sendBytes(fromHex(textOf(step)));
         return;
     }
-    expectSize(what, step);
-    _client->sendFrame(step.text);
+    EXPECT_EQ(what, "");
+    _client->sendFrame(textOf(step));
 }
 
-void TranscriptPlayer::_receiveAtClient(const std::string& what, const TranscriptStep& step) {
-    if (what == "nothing") {
+void TranscriptPlayer::_receiveAtClient(const std::string& what, const sim::Step& step) {
+    if (what == NOTHING) {
         return;
     }
-    if (what == "hex") {
-        const std::string bytes = fromHex(step.text);
+    if (what == HEX) {
+        const std::string bytes = fromHex(textOf(step));
         EXPECT_EQ(_client->readBytes(bytes.size()), bytes);
         return;
     }
-    expectSize(what, step);
-    EXPECT_EQ(_client->readReply(), step.text);
+    EXPECT_EQ(what, "");
+    EXPECT_EQ(_client->readReply(), textOf(step));
 }
 
-void TranscriptPlayer::_receiveAtRtos(const std::string& size, const TranscriptStep& step) {
-    expectSize(size, step);
-    EXPECT_EQ(_rtos.receive(step.text.size()), step.text);
+void TranscriptPlayer::_receiveAtRtos(const std::string& rest, const sim::Step& step) {
+    EXPECT_EQ(rest, "");
+    EXPECT_EQ(_rtos.receive(textOf(step).size()), textOf(step));
     EXPECT_TRUE(_rtos.isQuiet());
 }
 
-void TranscriptPlayer::_answerFromRtos(const std::string& size, const TranscriptStep& step) {
-    expectSize(size, step);
-    _rtos.answer(step.text);
+void TranscriptPlayer::_answerFromRtos(const std::string& rest, const sim::Step& step) {
+    EXPECT_EQ(rest, "");
+    _rtos.answer(textOf(step));
 }
 
-void TranscriptPlayer::_checkFile(const std::string& path, const TranscriptStep& step) {
+void TranscriptPlayer::_checkFile(const std::string& path, const sim::Step& step) {
     EXPECT_TRUE(_flash.exists(belowStorageRoot(path)));
-    if (step.hasText) {
-        EXPECT_EQ(_flash.read(belowStorageRoot(path)), step.text);
+    if (step.text) {
+        EXPECT_EQ(_flash.read(belowStorageRoot(path)), *step.text);
     }
 }
 
-void TranscriptPlayer::_checkMissing(const std::string& path, const TranscriptStep& /*step*/) {
+void TranscriptPlayer::_checkMissing(const std::string& path, const sim::Step& /*step*/) {
     EXPECT_FALSE(_flash.exists(belowStorageRoot(path)));
 }
 
-void TranscriptPlayer::_writeFile(const std::string& path, const TranscriptStep& step) {
-    _flash.write(belowStorageRoot(path), step.text);
+void TranscriptPlayer::_writeFile(const std::string& path, const sim::Step& step) {
+    _flash.write(belowStorageRoot(path), textOf(step));
 }

@@ -19,15 +19,15 @@ public:
     void play(const Transcript& transcript);
 
 private:
-    void _play(const TranscriptStep& step);
+    void _play(const sim::Step& step);
     // One operation for each verb; the first argument is what follows the verb.
-    void _sendFromClient(const std::string& what, const TranscriptStep& step);
-    void _receiveAtClient(const std::string& what, const TranscriptStep& step);
-    void _receiveAtRtos(const std::string& size, const TranscriptStep& step);
-    void _answerFromRtos(const std::string& size, const TranscriptStep& step);
-    void _checkFile(const std::string& path, const TranscriptStep& step);
-    void _checkMissing(const std::string& path, const TranscriptStep& step);
-    void _writeFile(const std::string& path, const TranscriptStep& step);
+    void _sendFromClient(const std::string& what, const sim::Step& step);
+    void _receiveAtClient(const std::string& what, const sim::Step& step);
+    void _receiveAtRtos(const std::string& rest, const sim::Step& step);
+    void _answerFromRtos(const std::string& rest, const sim::Step& step);
+    void _checkFile(const std::string& path, const sim::Step& step);
+    void _checkMissing(const std::string& path, const sim::Step& step);
+    void _writeFile(const std::string& path, const sim::Step& step);
 
     const FlashFiles& _flash;
     ScriptedRtos _rtos;
