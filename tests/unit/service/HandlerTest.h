@@ -9,9 +9,9 @@
 
 #include "commands/JsonHandler.h"
 #include "tests/support/FlashFiles.h"
+#include "tests/support/LinkTexts.h"
 #include "tests/support/ScriptedRtos.h"
 #include "tests/unit/service/OutputCapture.h"
-#include "tests/unit/service/Transcripts.h"
 #include "tests/unit/service/peers/JsonHandlerTestPeer.h"
 
 namespace reticled {
@@ -25,8 +25,8 @@ class HandlerTest : public testing::Test {
 protected:
     HandlerTest() {
         JsonHandlerTestPeer::link(*handler) = std::make_shared<LocalCommunicator>();
-        flash.write("list.json", transcripts::ONE_DOT_LIST);
-        flash.write("reticle/dot.svg", transcripts::DOT);
+        flash.write("list.json", exchanges::ONE_DOT_LIST);
+        flash.write("reticle/dot.svg", exchanges::DOT);
     }
 
     /// Starts the command; the test plays the RTOS meanwhile.

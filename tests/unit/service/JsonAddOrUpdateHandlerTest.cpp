@@ -11,11 +11,11 @@
 namespace reticled {
 namespace {
 
-using transcripts::DONE;
-using transcripts::LIST_ANSWER;
-using transcripts::LIST_REQUEST;
-using transcripts::OK_AND_ONE_DOT;
-using transcripts::ONE_DOT;
+using exchanges::DONE;
+using exchanges::LIST_ANSWER;
+using exchanges::LIST_REQUEST;
+using exchanges::ONE_DOT_REPLY;
+using exchanges::ONE_DOT_REPLY_WITHOUT_RESULT;
 
 using Names = std::vector<std::string>;
 
@@ -73,12 +73,12 @@ TEST_F(JsonAddOrUpdateHandlerTest, EachReticleTakesAnExchangeAndTheListFollows) 
     // Gone before the list is asked for.
     EXPECT_EQ(dataFiles(), Names{});
     rtos.answer(LIST_ANSWER);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
     EXPECT_TRUE(rtos.isQuiet());
     EXPECT_EQ(output.out(), std::string("buildmsg: ") + THREE + "\nbuildindices is empty \n" +
                                 requestLine(ADD_A) + linkLine(DONE) + requestLine(UPDATE_B) +
                                 linkLine(DONE) + requestLine(ADD_C) + linkLine(DONE) +
-                                linkLine(LIST_ANSWER) + DOT_LINE + responseLine(OK_AND_ONE_DOT));
+                                linkLine(LIST_ANSWER) + DOT_LINE + responseLine(ONE_DOT_REPLY));
     EXPECT_EQ(output.err(), "json value: 0\njson value: 0\njson value: 0\n");
 }
 
@@ -95,10 +95,11 @@ TEST_F(JsonAddOrUpdateHandlerTest, NoReticlesFetchTheListAloneAndTheReplyHasNoRe
     constexpr auto REQUEST = R"({"action":"RETICLES_ADD_OR_UPDATE"})";
     auto reply = handle(REQUEST);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY_WITHOUT_RESULT);
     EXPECT_TRUE(rtos.isQuiet());
     EXPECT_EQ(output.out(), std::string("buildmsg: ") + REQUEST + "\nbuildindices is empty \n" +
-                                linkLine(LIST_ANSWER) + DOT_LINE + responseLine(ONE_DOT));
+                                linkLine(LIST_ANSWER) + DOT_LINE +
+                                responseLine(ONE_DOT_REPLY_WITHOUT_RESULT));
 }
 
 TEST_F(JsonAddOrUpdateHandlerTest, SecondCommandNumbersItsFilesFromZeroAgain) {
@@ -106,7 +107,7 @@ TEST_F(JsonAddOrUpdateHandlerTest, SecondCommandNumbersItsFilesFromZeroAgain) {
         auto reply = handle(R"({"reticles":[{"name":"A","data":"aa"}]})");
         EXPECT_EQ(rtos.exchange(DONE), ADD_A);
         EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-        EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+        EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
     }
 }
 
@@ -123,7 +124,7 @@ TEST_F(JsonAddOrUpdateHandlerTest, FilesOfAFailedCommandStayUntilTheNextOneIsDon
     EXPECT_EQ(flash.read("new_reticle_data1"), "bb");
     rtos.answer(DONE);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
     EXPECT_EQ(dataFiles(), Names{});
 }
 

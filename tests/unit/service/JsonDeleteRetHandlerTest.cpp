@@ -10,11 +10,11 @@
 namespace reticled {
 namespace {
 
-using transcripts::DONE;
-using transcripts::LIST_ANSWER;
-using transcripts::LIST_REQUEST;
-using transcripts::OK_AND_ONE_DOT;
-using transcripts::ONE_DOT;
+using exchanges::DONE;
+using exchanges::LIST_ANSWER;
+using exchanges::LIST_REQUEST;
+using exchanges::ONE_DOT_REPLY;
+using exchanges::ONE_DOT_REPLY_WITHOUT_RESULT;
 
 constexpr auto DELETE_1 = "[\n\t{\n\t\t\"msg_id\" : 80,\n\t\t\"param\" : 1\n\t}\n]";
 constexpr auto DELETE_4 = "[\n\t{\n\t\t\"msg_id\" : 80,\n\t\t\"param\" : 4\n\t}\n]";
@@ -27,11 +27,11 @@ TEST_F(JsonDeleteRetHandlerTest, EachIndexTakesAnExchangeAndTheListFollows) {
     EXPECT_EQ(rtos.exchange(DONE), DELETE_4);
     EXPECT_EQ(rtos.exchange(DONE), DELETE_1);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
     EXPECT_TRUE(rtos.isQuiet());
     EXPECT_EQ(output.out(), std::string("buildmsg: ") + REQUEST + '\n' + requestLine(DELETE_4) +
                                 linkLine(DONE) + requestLine(DELETE_1) + linkLine(DONE) +
-                                linkLine(LIST_ANSWER) + DOT_LINE + responseLine(OK_AND_ONE_DOT));
+                                linkLine(LIST_ANSWER) + DOT_LINE + responseLine(ONE_DOT_REPLY));
     EXPECT_EQ(output.err(), "json value: 0\njson value: 0\n");
 }
 
@@ -40,7 +40,7 @@ TEST_F(JsonDeleteRetHandlerTest, RepeatedIndexIsSentTwice) {
     EXPECT_EQ(rtos.exchange(DONE), DELETE_1);
     EXPECT_EQ(rtos.exchange(DONE), DELETE_1);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
 }
 
 TEST_F(JsonDeleteRetHandlerTest, RefusalOfTheFirstLeavesTheOthersUnsent) {
@@ -62,7 +62,7 @@ TEST_F(JsonDeleteRetHandlerTest, NoIndicesFetchTheListAloneAndTheReplyHasNoResul
     for (const char* request : {R"({"indices":[]})", R"({"action":"RETICLES_DELETE"})"}) {
         auto reply = handle(request);
         EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-        EXPECT_EQ(reply.get(), ONE_DOT) << request;
+        EXPECT_EQ(reply.get(), ONE_DOT_REPLY_WITHOUT_RESULT) << request;
         EXPECT_TRUE(rtos.isQuiet());
     }
 }

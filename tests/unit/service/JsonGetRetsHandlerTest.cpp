@@ -10,9 +10,9 @@
 namespace reticled {
 namespace {
 
-using transcripts::LIST_ANSWER;
-using transcripts::LIST_REQUEST;
-using transcripts::OK_AND_ONE_DOT;
+using exchanges::LIST_ANSWER;
+using exchanges::LIST_REQUEST;
+using exchanges::ONE_DOT_REPLY;
 
 constexpr auto REQUEST = R"({"action":"RETICLES_GET_ALL"})";
 
@@ -21,11 +21,11 @@ using JsonGetRetsHandlerTest = HandlerTest<JsonGetRetsHandler>;
 TEST_F(JsonGetRetsHandlerTest, ListIsFetchedInOneExchange) {
     auto reply = handle(REQUEST);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
     EXPECT_TRUE(rtos.isQuiet());
     EXPECT_EQ(output.out(), linkLine(LIST_ANSWER) +
                                 "handleJsReq: rtos response: " + std::string(LIST_ANSWER) + '\n' +
-                                DOT_LINE + responseLine(OK_AND_ONE_DOT));
+                                DOT_LINE + responseLine(ONE_DOT_REPLY));
     EXPECT_EQ(output.err(), "json value: 0\n");
 }
 
@@ -33,7 +33,7 @@ TEST_F(JsonGetRetsHandlerTest, RequestIsNotLookedAt) {
     for (const char* request : {R"({"action":"x","index":"y","extra":[1]})", "", "nonsense"}) {
         auto reply = handle(request);
         EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-        EXPECT_EQ(reply.get(), OK_AND_ONE_DOT) << request;
+        EXPECT_EQ(reply.get(), ONE_DOT_REPLY) << request;
     }
 }
 
@@ -63,13 +63,13 @@ TEST_F(JsonGetRetsHandlerTest, LinkFailureReachesTheCallerAndTheNextCommandIsSer
                                     "Corrupted json packet was received fromRTOS");
     auto reply = handle(REQUEST);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
 }
 
 TEST_F(JsonGetRetsHandlerTest, NothingOfTheLastReplyIsLeft) {
     auto first = handle(REQUEST);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(first.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(first.get(), ONE_DOT_REPLY);
     auto second = handle(REQUEST);
     EXPECT_EQ(rtos.exchange(R"([{"ret_val":8}])"), LIST_REQUEST);
     EXPECT_EQ(second.get(), "{\n\t\"result\" : \"UNKNOWN_ACTION\"\n}");

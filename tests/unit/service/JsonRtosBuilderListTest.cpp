@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "commands/JsonRtosBuilderList.h"
-#include "tests/unit/service/Transcripts.h"
+#include "tests/support/LinkTexts.h"
 #include "tests/unit/service/peers/JsonRtosBuilderTestPeer.h"
 
 namespace reticled {
@@ -13,7 +13,7 @@ TEST(JsonRtosBuilderListTest, RequestHasExactlyItsTwoMembers) {
     builder.buildMsgId();
     builder.buildParam();
     builder.finish();
-    EXPECT_EQ(builder.getRequest(), transcripts::LIST_REQUEST);
+    EXPECT_EQ(builder.getRequest(), exchanges::LIST_REQUEST);
 }
 
 TEST(JsonRtosBuilderListTest, RequestIsTheSameEveryTime) {
@@ -23,7 +23,7 @@ TEST(JsonRtosBuilderListTest, RequestIsTheSameEveryTime) {
         builder.buildMsgId();
         builder.buildParam();
         builder.finish();
-        EXPECT_EQ(builder.getRequest(), transcripts::LIST_REQUEST);
+        EXPECT_EQ(builder.getRequest(), exchanges::LIST_REQUEST);
     }
 }
 

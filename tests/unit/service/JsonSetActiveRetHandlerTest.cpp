@@ -11,10 +11,10 @@
 namespace reticled {
 namespace {
 
-using transcripts::DONE;
-using transcripts::LIST_ANSWER;
-using transcripts::LIST_REQUEST;
-using transcripts::OK_AND_ONE_DOT;
+using exchanges::DONE;
+using exchanges::LIST_ANSWER;
+using exchanges::LIST_REQUEST;
+using exchanges::ONE_DOT_REPLY;
 
 constexpr auto REQUEST = R"({"action":"RETICLE_SET_ACTIVE","index":2})";
 constexpr auto ACTIVATE_2 = "[\n\t{\n\t\t\"msg_id\" : 77,\n\t\t\"param\" : 2\n\t}\n]";
@@ -26,10 +26,10 @@ TEST_F(JsonSetActiveRetHandlerTest, AcceptedCommandTakesTwoExchangesAndRepliesTh
     auto reply = handle(REQUEST);
     EXPECT_EQ(rtos.exchange(DONE), ACTIVATE_2);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
     EXPECT_TRUE(rtos.isQuiet());
     EXPECT_EQ(output.out(),
-              linkLine(DONE) + linkLine(LIST_ANSWER) + DOT_LINE + responseLine(OK_AND_ONE_DOT));
+              linkLine(DONE) + linkLine(LIST_ANSWER) + DOT_LINE + responseLine(ONE_DOT_REPLY));
     EXPECT_EQ(output.err(), "json value: 0\n");
 }
 
@@ -46,7 +46,7 @@ TEST_F(JsonSetActiveRetHandlerTest, MissingIndexActivatesReticleZero) {
     auto reply = handle(R"({"action":"RETICLE_SET_ACTIVE"})");
     EXPECT_EQ(rtos.exchange(DONE), ACTIVATE_0);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
 }
 
 TEST_F(JsonSetActiveRetHandlerTest, RequestThatCannotBeReadSendsNothing) {
@@ -60,7 +60,7 @@ TEST_F(JsonSetActiveRetHandlerTest, ResultIsTheCommandsNotTheLists) {
     auto reply = handle(REQUEST);
     EXPECT_EQ(rtos.exchange(DONE), ACTIVATE_2);
     EXPECT_EQ(rtos.exchange(R"([{"param":"list.json","ret_val":8}])"), LIST_REQUEST);
-    EXPECT_EQ(reply.get(), OK_AND_ONE_DOT);
+    EXPECT_EQ(reply.get(), ONE_DOT_REPLY);
 }
 
 TEST_F(JsonSetActiveRetHandlerTest, LinkFailureInTheListRefreshGivesNoReply) {

@@ -27,6 +27,7 @@
 #include "net/NetCommunicator.h"
 #include "tests/support/Connection.h"
 #include "tests/support/FrameClient.h"
+#include "tests/support/LinkTexts.h"
 #include "tests/support/Patience.h"
 #include "tests/support/Ports.h"
 #include "tests/support/ScriptedRtos.h"
@@ -37,7 +38,6 @@
 #include "tests/unit/service/LinkSeams.h"
 #include "tests/unit/service/OutputCapture.h"
 #include "tests/unit/service/OwnProcess.h"
-#include "tests/unit/service/Transcripts.h"
 #include "tests/unit/service/peers/NetCommunicatorTestPeer.h"
 
 namespace reticled {
@@ -580,7 +580,7 @@ TEST(NetCommunicatorDeathTest, StartedServiceAnswersItsClients) {
         net->start();
         FrameClient client;
         client.sendFrame(R"({"action":"RETICLES_GET_ALL"})");
-        const bool isAsked = rtos.exchange(R"([{"ret_val":6}])") == transcripts::LIST_REQUEST;
+        const bool isAsked = rtos.exchange(R"([{"ret_val":6}])") == exchanges::LIST_REQUEST;
         const bool isAnswered = client.readReply() == REPLY;
         // So that nothing of the connection keeps the port from the next test.
         client.connection().reset();

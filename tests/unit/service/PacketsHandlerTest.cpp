@@ -7,18 +7,18 @@
 #include <thread>
 
 #include "processing/PacketsHandler.h"
+#include "tests/support/LinkTexts.h"
 #include "tests/support/Patience.h"
 #include "tests/support/ScriptedRtos.h"
 #include "tests/support/Text.h"
 #include "tests/unit/service/OutputCapture.h"
 #include "tests/unit/service/OwnProcess.h"
-#include "tests/unit/service/Transcripts.h"
 #include "tests/unit/service/peers/JsonHandlerTestPeer.h"
 
 namespace reticled {
 namespace {
 
-using transcripts::LIST_REQUEST;
+using exchanges::LIST_REQUEST;
 
 constexpr auto GET_ALL = R"({"action":"RETICLES_GET_ALL"})";
 constexpr auto REFUSAL = R"([{"ret_val":6}])";

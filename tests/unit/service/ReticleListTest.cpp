@@ -4,16 +4,16 @@
 #include <string>
 
 #include "tests/support/FlashFiles.h"
+#include "tests/support/LinkTexts.h"
 #include "tests/support/Text.h"
 #include "tests/unit/service/OutputCapture.h"
-#include "tests/unit/service/Transcripts.h"
 #include "tests/unit/service/peers/JsonNetBuilderTestPeer.h"
 
 namespace reticled {
 namespace {
 
-using transcripts::LIST_ANSWER;
-using transcripts::ONE_DOT;
+using exchanges::LIST_ANSWER;
+using exchanges::ONE_DOT_REPLY_WITHOUT_RESULT;
 
 constexpr auto NO_RETICLES = "{\n\t\"reticles\" : null\n}";
 constexpr auto UNPARSABLE = "Error: json str is wrong, can't be deserialized\n";
@@ -21,7 +21,7 @@ constexpr auto WRONG_KEY = "Wrong json key\n";
 
 class ReticleListTest : public testing::Test {
 protected:
-    ReticleListTest() { flash.write("reticle/dot.svg", transcripts::DOT); }
+    ReticleListTest() { flash.write("reticle/dot.svg", exchanges::DOT); }
 
     /// The reply after the RTOS's list answer `answer`.
     static std::string replyTo(std::string_view answer) {
@@ -107,19 +107,21 @@ TEST_F(ReticleListTest, EntriesBecomeRecordsInTheirOrder) {
 }
 
 TEST_F(ReticleListTest, AnswerMayNameTheFileInAnObjectsMember) {
-    flash.write("list", transcripts::ONE_DOT_LIST);
-    EXPECT_EQ(replyTo(R"({"any":{"param":"list"}})"), ONE_DOT);
+    flash.write("list", exchanges::ONE_DOT_LIST);
+    EXPECT_EQ(replyTo(R"({"any":{"param":"list"}})"), ONE_DOT_REPLY_WITHOUT_RESULT);
 }
 
 TEST_F(ReticleListTest, LastNameInTheAnswerCounts) {
-    flash.write("list", transcripts::ONE_DOT_LIST);
-    EXPECT_EQ(replyTo(R"([{"param":"wrong"},{"param":"list"},{"param":5},7,{}])"), ONE_DOT);
-    EXPECT_EQ(replyTo(R"({"b":{"param":"list"},"a":{"param":"wrong"}})"), ONE_DOT);
+    flash.write("list", exchanges::ONE_DOT_LIST);
+    EXPECT_EQ(replyTo(R"([{"param":"wrong"},{"param":"list"},{"param":5},7,{}])"),
+              ONE_DOT_REPLY_WITHOUT_RESULT);
+    EXPECT_EQ(replyTo(R"({"b":{"param":"list"},"a":{"param":"wrong"}})"),
+              ONE_DOT_REPLY_WITHOUT_RESULT);
 }
 
 TEST_F(ReticleListTest, WhatCouldBeReadOfABrokenAnswerCounts) {
-    flash.write("list", transcripts::ONE_DOT_LIST);
-    EXPECT_EQ(replyTo(R"([{"param":"list"},)"), ONE_DOT);
+    flash.write("list", exchanges::ONE_DOT_LIST);
+    EXPECT_EQ(replyTo(R"([{"param":"list"},)"), ONE_DOT_REPLY_WITHOUT_RESULT);
 }
 
 TEST_F(ReticleListTest, NameAtTheTopLevelIsNone) {
@@ -128,7 +130,7 @@ TEST_F(ReticleListTest, NameAtTheTopLevelIsNone) {
 }
 
 TEST_F(ReticleListTest, RtosPrefixOfANameIsNotRemoved) {
-    flash.write("list.json", transcripts::ONE_DOT_LIST);
+    flash.write("list.json", exchanges::ONE_DOT_LIST);
     EXPECT_EQ(replyTo(R"([{"param":"a:/list.json"}])"), NO_RETICLES);
     EXPECT_EQ(output.err(), UNPARSABLE);
 }
@@ -160,14 +162,14 @@ TEST_F(ReticleListTest, ListWithReticlesAtItsTopLevelHasNone) {
 TEST_F(ReticleListTest, LastObjectOfTheListDecides) {
     const std::string with = std::string(R"({"reticles":[)") + DOT_ENTRY + "]}";
     EXPECT_EQ(replyWithList("{\"a\":" + with + ",\"b\":{}}"), NO_RETICLES);
-    EXPECT_EQ(replyWithList("{\"a\":{},\"b\":" + with + "}"), ONE_DOT);
+    EXPECT_EQ(replyWithList("{\"a\":{},\"b\":" + with + "}"), ONE_DOT_REPLY_WITHOUT_RESULT);
     EXPECT_EQ(replyWithList("[" + with + ",{\"reticles\":5}]"), NO_RETICLES);
     EXPECT_EQ(output.err(), "");
 }
 
 TEST_F(ReticleListTest, EntriesOfTheListThatAreNoObjectsHaveNoSay) {
     const std::string with = std::string(R"({"reticles":[)") + DOT_ENTRY + "]}";
-    EXPECT_EQ(replyWithList("[1," + with + R"(,"text",[2],true])"), ONE_DOT);
+    EXPECT_EQ(replyWithList("[1," + with + R"(,"text",[2],true])"), ONE_DOT_REPLY_WITHOUT_RESULT);
 }
 
 TEST_F(ReticleListTest, NullInTheListCountsAsAnObjectWithoutReticles) {
@@ -181,7 +183,8 @@ TEST_F(ReticleListTest, EmptyReticlesGiveNullNotAnEmptyArray) {
 }
 
 TEST_F(ReticleListTest, ReticlesMayBeAnObject) {
-    EXPECT_EQ(replyWithList(std::string(R"([{"reticles":{"any":)") + DOT_ENTRY + "}}]"), ONE_DOT);
+    EXPECT_EQ(replyWithList(std::string(R"([{"reticles":{"any":)") + DOT_ENTRY + "}}]"),
+              ONE_DOT_REPLY_WITHOUT_RESULT);
 }
 
 TEST_F(ReticleListTest, EntryThatLacksAStringIsLeftOutWithAMessage) {
@@ -205,7 +208,7 @@ TEST_F(ReticleListTest, EntryThatLacksAStringIsLeftOutWithAMessage) {
 TEST_F(ReticleListTest, FailedEntriesLeaveTheOthersAsTheyAre) {
     EXPECT_EQ(replyWithEntries(R"({"index":9,"name":"Lost","data":"dot.svg"},)" +
                                std::string(DOT_ENTRY) + ",5"),
-              ONE_DOT);
+              ONE_DOT_REPLY_WITHOUT_RESULT);
     EXPECT_EQ(output.err(), repeated(WRONG_KEY, 2));
 }
 
@@ -266,7 +269,7 @@ TEST_F(ReticleListTest, IndexKeepsItsComments) {
 }
 
 TEST_F(ReticleListTest, EarlierReticlesAreReplaced) {
-    flash.write("list.json", transcripts::ONE_DOT_LIST);
+    flash.write("list.json", exchanges::ONE_DOT_LIST);
     JsonNetBuilder builder;
     builder.fillReticles(std::string(LIST_ANSWER));
     builder.fillReticles("");

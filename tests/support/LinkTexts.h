@@ -2,9 +2,12 @@
 
 #include <string_view>
 
-/// Texts on the RTOS link and of the shared storage that several tests use, byte for byte.
-namespace transcripts {
+/// Texts on both links and of the shared storage that several tests use, byte for byte.
+namespace exchanges {
 
+inline constexpr std::string_view GET_ALL = R"({"action":"RETICLES_GET_ALL"})";
+
+/// What a list request looks like on the RTOS link.
 inline constexpr std::string_view LIST_REQUEST = R"([
 	{
 		"msg_id" : 76,
@@ -14,14 +17,19 @@ inline constexpr std::string_view LIST_REQUEST = R"([
 
 inline constexpr std::string_view DONE = R"([{"ret_val":0}])";
 
-/// An RTOS list answer, a list file and a reticle file that together give ONE_DOT.
+/// The shortest exchange there is: a refused list request.
+inline constexpr std::string_view FULL = R"([{"ret_val":6}])";
+inline constexpr std::string_view FULL_REPLY = R"({
+	"result" : "RETICLES_COUNT_OUT_OF_BOUNDS"
+})";
+
+/// An RTOS list answer, a list file and a reticle file that together give ONE_DOT_REPLY.
 inline constexpr std::string_view LIST_ANSWER = R"([{"param":"list.json","ret_val":0}])";
 inline constexpr std::string_view ONE_DOT_LIST = R"([{"reticles":[
 {"index":1,"name":"Dot","data":"dot.svg","userColor":"red","isDeletable":1,"isActive":0}]}])";
 inline constexpr std::string_view DOT = R"(<circle fill="user_color"/>)";
 
-/// Replies with that list: of an accepted command, and of one that asked the RTOS for nothing.
-inline constexpr std::string_view OK_AND_ONE_DOT = R"({
+inline constexpr std::string_view ONE_DOT_REPLY = R"({
 	"result" : "OK",
 	"reticles" : 
 	[
@@ -34,7 +42,8 @@ inline constexpr std::string_view OK_AND_ONE_DOT = R"({
 		}
 	]
 })";
-inline constexpr std::string_view ONE_DOT = R"({
+/// The reply to a change that asked for nothing.
+inline constexpr std::string_view ONE_DOT_REPLY_WITHOUT_RESULT = R"({
 	"reticles" : 
 	[
 		{
@@ -47,4 +56,4 @@ inline constexpr std::string_view ONE_DOT = R"({
 	]
 })";
 
-}  // namespace transcripts
+}  // namespace exchanges
