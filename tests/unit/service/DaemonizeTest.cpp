@@ -160,6 +160,17 @@ TEST(DaemonizeDeathTest, ClosedStandardInputIsReported) {
 // The leak check at the end of the starter needs descriptors for itself.
 #if !defined(__SANITIZE_ADDRESS__)
 
+// A limit may be in the millions: one call each would take a second.
+TEST(DaemonizeDeathTest, AllButTheStandardStreamsAreClosedByOneCall) {
+    const Daemonizing daemon([] {
+        limitDescriptors(1024);
+        dup2(STDOUT_FILENO, 900);
+        refuseSystemCall(SYS_close, EPERM);
+    });
+    EXPECT_EQ(daemon.facts.descriptors.find(" 900:"), std::string::npos)
+        << daemon.facts.descriptors;
+}
+
 TEST(DaemonizeDeathTest, WhereTheLimitIsBelowTheStandardStreamsOnlyThoseWithinItAreReplaced) {
     const Daemonizing daemon([] { limitDescriptors(2); });
     EXPECT_EQ(daemon.starter.out(), BOTH_FORKS);
