@@ -52,6 +52,19 @@ std::string Connection::receive(std::size_t count, std::chrono::milliseconds bou
     return bytes;
 }
 
+std::string Connection::receiveOnce(std::size_t count) {
+    if (!becomesReady(_socket.get(), POLLIN, PATIENCE)) {
+        throw std::system_error(ETIMEDOUT, std::generic_category(), "recv");
+    }
+    std::string bytes(count, '\0');
+    const ssize_t received = recv(_socket.get(), bytes.data(), bytes.size(), MSG_DONTWAIT);
+    if (received < 0) {
+        throw std::system_error(errno, std::generic_category(), "recv");
+    }
+    bytes.resize(static_cast<std::size_t>(received));
+    return bytes;
+}
+
 bool Connection::isQuiet() const {
     return !becomesReady(_socket.get(), POLLIN, std::chrono::milliseconds::zero());
 }

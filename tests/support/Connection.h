@@ -22,6 +22,10 @@ public:
     [[nodiscard]] std::string receive(std::size_t count,
                                       std::chrono::milliseconds bound = PATIENCE);
 
+    /// What one recv of `count` bytes gives; empty when the peer has closed.
+    /// \throws std::system_error when the connection fails, or nothing comes for PATIENCE.
+    [[nodiscard]] std::string receiveOnce(std::size_t count);
+
     /// Whether nothing waits to be received: no byte and no end of the connection.
     [[nodiscard]] bool isQuiet() const;
 

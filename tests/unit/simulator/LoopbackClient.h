@@ -1,33 +1,35 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
+#include <string_view>
+
+#include "tests/support/Connection.h"
+#include "tests/support/Sockets.h"
 
 namespace sim::test {
 
-/// The service's end of a connection to the simulator. Waits at most 20 s for anything.
+/// The service's end of a connection to the simulator. All \throw std::system_error.
 class LoopbackClient {
 public:
-    /// Connects to 127.0.0.1. \throws std::runtime_error when nothing listens there.
-    explicit LoopbackClient(std::uint16_t port);
-    ~LoopbackClient();
-    LoopbackClient(const LoopbackClient&) = delete;
-    LoopbackClient(LoopbackClient&&) = delete;
-    LoopbackClient& operator=(const LoopbackClient&) = delete;
-    LoopbackClient& operator=(LoopbackClient&&) = delete;
+    explicit LoopbackClient(std::uint16_t port) : _connection(sockets::connectTo(port)) {}
 
-    void send(const std::string& text) const;
+    void send(std::string_view text) { _connection.send(text); }
 
-    /// What one recv of 1024 bytes gives, as the service reads. Empty: the peer closed.
-    /// \throws std::system_error with the error of the recv.
-    [[nodiscard]] std::string receive() const;
+    /// What the service reads at once. Empty: the peer closed.
+    [[nodiscard]] std::string receive() {
+        constexpr std::size_t SERVICE_RECV_BYTES = 1024;
+        return _connection.receiveOnce(SERVICE_RECV_BYTES);
+    }
 
     /// Sends and receives once.
-    [[nodiscard]] std::string exchange(const std::string& text) const;
+    [[nodiscard]] std::string exchange(std::string_view text) {
+        send(text);
+        return receive();
+    }
 
 private:
-    int _socket;
+    ::Connection _connection;
 };
 
 }  // namespace sim::test

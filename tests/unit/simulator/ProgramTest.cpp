@@ -5,20 +5,22 @@
 #include <chrono>
 #include <csignal>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <thread>
 #include <vector>
 
 #include "simulator/device/ReticleList.h"
-#include "tests/unit/simulator/ChildProcess.h"
+#include "tests/support/Patience.h"
+#include "tests/system/Process.h"
+#include "tests/system/Programs.h"
 #include "tests/unit/simulator/LoopbackClient.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 namespace sim {
 namespace {
 
-using test::ChildProcess;
 using test::LoopbackClient;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -30,64 +32,86 @@ constexpr const char* ADD =
     R"([{"msg_id":78,"param2_name":"Mine","param3_data":"a:/new_reticle_data0"}])";
 constexpr const char* DELETE_8 = R"([{"msg_id":80,"param":8}])";
 
+constexpr int KILLED = 128 + SIGKILL;
+
+/// Waits for the line that says where `program` listens.
+std::string firstLine(Process& program) {
+    static_cast<void>(eventually([&program] {
+        return program.standardOutput().ends_with('\n') || !program.child().isAlive();
+    }));
+    return program.standardOutput();
+}
+
+/// The port in that line.
+std::uint16_t portOf(Process& program) {
+    const std::string head = "rtos-sim: listening on 127.0.0.1:";
+    const std::string line = firstLine(program);
+    if (!line.starts_with(head)) {
+        throw std::runtime_error("it does not listen: " + line + program.standardError());
+    }
+    return static_cast<std::uint16_t>(std::stoul(line.substr(head.size())));
+}
+
 class ProgramTest : public testing::Test {
 protected:
-    /// Starts on the test's root with any free port.
-    [[nodiscard]] std::vector<std::string> arguments(std::vector<std::string> more = {}) const {
-        more.insert(more.end(), {"--port", "0", "--root", _root.path().string()});
-        return more;
+    /// Starts on the test's root.
+    [[nodiscard]] std::vector<std::string> command(const std::vector<std::string>& more = {},
+                                                   const std::string& port = "0") const {
+        std::vector<std::string> words{programs::RTOS_SIM, "--port", port, "--root",
+                                       _root.path().string()};
+        words.insert(words.end(), more.begin(), more.end());
+        return words;
     }
 
     test::TemporaryRoot _root;
 };
 
 TEST_F(ProgramTest, saysWhereItListensAndAnswersThere) {
-    ChildProcess program(arguments());
-    const std::uint16_t port = program.readPort();
+    Process program(command());
+    const std::uint16_t port = portOf(program);
     EXPECT_EQ(LoopbackClient(port).exchange(LIST), LISTED);
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.wait(), 0);
-    EXPECT_EQ(program.out(), "rtos-sim: listening on 127.0.0.1:" + std::to_string(port) +
-                                 ", root " + _root.path().string() + "/, 8 reticles\n");
-    EXPECT_EQ(program.err(), "");
+    program.child().kill(SIGTERM);
+    EXPECT_EQ(program.waitForEnd(), 0);
+    EXPECT_EQ(program.standardOutput(), "rtos-sim: listening on 127.0.0.1:" + std::to_string(port) +
+                                            ", root " + _root.path().string() + "/, 8 reticles\n");
+    EXPECT_EQ(program.standardError(), "");
 }
 
 TEST_F(ProgramTest, endsWithStatus0OnCtrlC) {
-    ChildProcess program(arguments());
-    const LoopbackClient connected(program.readPort());
-    program.signal(SIGINT);
-    EXPECT_EQ(program.wait(), 0);
+    Process program(command());
+    LoopbackClient connected(portOf(program));
+    program.child().kill(SIGINT);
+    EXPECT_EQ(program.waitForEnd(), 0);
 }
 
 TEST_F(ProgramTest, saysThatItsPortIsTakenAndTouchesNoState) {
-    ChildProcess first(arguments());
-    const std::uint16_t port = first.readPort();
+    Process first(command());
+    const std::uint16_t port = portOf(first);
     _root.write("reticle/user-7", "at work");
-    ChildProcess second(
-        {"--port", std::to_string(port), "--root", _root.path().string(), "--reset"});
-    EXPECT_EQ(second.wait(), 1);
-    EXPECT_EQ(second.out(), "");
-    EXPECT_EQ(second.err(), "rtos-sim: cannot listen on 127.0.0.1:" + std::to_string(port) +
-                                ": Address already in use\n");
+    Process second(command({"--reset"}, std::to_string(port)));
+    EXPECT_EQ(second.waitForEnd(), 1);
+    EXPECT_EQ(second.standardOutput(), "");
+    EXPECT_EQ(second.standardError(), "rtos-sim: cannot listen on 127.0.0.1:" +
+                                          std::to_string(port) + ": Address already in use\n");
     EXPECT_TRUE(_root.has("reticle/user-7"));
 }
 
 TEST_F(ProgramTest, saysThatItCannotReadItsState) {
     _root.write("reticle_list.json", "[");
-    ChildProcess damaged(arguments());
-    EXPECT_EQ(damaged.wait(), 1);
-    EXPECT_THAT(damaged.err(), StartsWith("rtos-sim: " + _root.path().string() +
-                                          "/reticle_list.json holds no reticle list: "));
-    ChildProcess restored(arguments({"--reset"}));
-    EXPECT_EQ(LoopbackClient(restored.readPort()).exchange(LIST), LISTED);
+    Process damaged(command());
+    EXPECT_EQ(damaged.waitForEnd(), 1);
+    EXPECT_THAT(damaged.standardError(), StartsWith("rtos-sim: " + _root.path().string() +
+                                                    "/reticle_list.json holds no reticle list: "));
+    Process restored(command({"--reset"}));
+    EXPECT_EQ(LoopbackClient(portOf(restored)).exchange(LIST), LISTED);
 }
 
 TEST_F(ProgramTest, printsExchangesOnStandardErrorWhenVerbose) {
-    ChildProcess program(arguments({"--verbose", "--fault", "refuse:6@1"}));
-    EXPECT_EQ(LoopbackClient(program.readPort()).exchange(LIST), R"([{"ret_val":6}])");
-    program.signal(SIGTERM);
-    EXPECT_EQ(program.wait(), 0);
-    EXPECT_EQ(program.err(),
+    Process program(command({"--verbose", "--fault", "refuse:6@1"}));
+    EXPECT_EQ(LoopbackClient(portOf(program)).exchange(LIST), R"([{"ret_val":6}])");
+    program.child().kill(SIGTERM);
+    EXPECT_EQ(program.waitForEnd(), 0);
+    EXPECT_EQ(program.standardError(),
               "rtos-sim: exchange 1: request [{\"msg_id\":76,\"param_get\":\"\"}]\n"
               "rtos-sim: exchange 1: answer [{\"ret_val\":6}]\n");
 }
@@ -95,23 +119,23 @@ TEST_F(ProgramTest, printsExchangesOnStandardErrorWhenVerbose) {
 TEST_F(ProgramTest, keepsItsStateOverARestartUntilReset) {
     _root.write("new_reticle_data0", "mine");
     {
-        ChildProcess program(arguments());
-        EXPECT_EQ(LoopbackClient(program.readPort()).exchange(ADD), DONE);
-        program.signal(SIGTERM);
-        EXPECT_EQ(program.wait(), 0);
+        Process program(command());
+        EXPECT_EQ(LoopbackClient(portOf(program)).exchange(ADD), DONE);
+        program.child().kill(SIGTERM);
+        EXPECT_EQ(program.waitForEnd(), 0);
     }
-    ChildProcess restarted(arguments());
-    EXPECT_THAT(restarted.readLine(), HasSubstr(", 9 reticles"));
+    Process restarted(command());
+    EXPECT_THAT(firstLine(restarted), HasSubstr(", 9 reticles"));
     EXPECT_EQ(_root.read("reticle/user-0"), "mine");
-    ChildProcess reset(arguments({"--reset"}));
-    EXPECT_THAT(reset.readLine(), HasSubstr(", 8 reticles"));
+    Process reset(command({"--reset"}));
+    EXPECT_THAT(firstLine(reset), HasSubstr(", 8 reticles"));
     EXPECT_FALSE(_root.has("reticle/user-0"));
 }
 
 /// Adds and deletes reticle 8 until the simulator is gone.
 void changeUntilGone(std::uint16_t port) {
     try {
-        const LoopbackClient client(port);
+        LoopbackClient client(port);
         (void)client.exchange(DELETE_8);  // left by the round before
         while (client.exchange(ADD) == DONE && client.exchange(DELETE_8) == DONE) {
         }
@@ -128,11 +152,11 @@ TEST_F(ProgramTest, leavesAReadableStateWhereverItIsKilled) {
     std::mt19937 random(76);  // NOLINT(cert-msc32-c,cert-msc51-cpp): a failure must come again.
     std::uniform_int_distribution<int> lifeUs(0, MAX_LIFE_US);
     for (int round = 0; round < ROUNDS; ++round) {
-        ChildProcess program(arguments());
-        std::thread changer(changeUntilGone, program.readPort());
+        Process program(command());
+        std::thread changer(changeUntilGone, portOf(program));
         std::this_thread::sleep_for(std::chrono::microseconds(lifeUs(random)));
-        program.signal(SIGKILL);
-        EXPECT_EQ(program.wait(), -SIGKILL);
+        program.child().kill(SIGKILL);
+        EXPECT_EQ(program.waitForEnd(), KILLED);
         changer.join();
 
         ReticleList list = parseListText(_root.read("reticle_list.json"));
@@ -144,8 +168,8 @@ TEST_F(ProgramTest, leavesAReadableStateWhereverItIsKilled) {
         }
         ASSERT_TRUE(list.size() == 8 || list.size() == 9) << round;
     }
-    ChildProcess last(arguments());
-    EXPECT_EQ(LoopbackClient(last.readPort()).exchange(LIST), LISTED);
+    Process last(command());
+    EXPECT_EQ(LoopbackClient(portOf(last)).exchange(LIST), LISTED);
     const ReticleList list = parseListText(_root.read("reticle_list.json"));
     EXPECT_EQ(_root.reticleFiles().size(), list.size());
 }

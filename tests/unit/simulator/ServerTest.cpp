@@ -71,7 +71,7 @@ private:
 
 TEST(Server, answersExchangeAfterExchangeInOnePieceEach) {
     const RunningSimulator simulator;
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange(LIST), LISTED);
     EXPECT_EQ(client.exchange(ACTIVATE_99), NOT_FOUND);
     EXPECT_EQ(client.exchange(LIST), LISTED);
@@ -79,7 +79,7 @@ TEST(Server, answersExchangeAfterExchangeInOnePieceEach) {
 
 TEST(Server, answersARequestThatArrivesInPieces) {
     const RunningSimulator simulator;
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     for (const char* character = LIST; *character != '\0'; ++character) {
         client.send(std::string(1, *character));
     }
@@ -88,7 +88,7 @@ TEST(Server, answersARequestThatArrivesInPieces) {
 
 TEST(Server, answersRequestsThatArriveAtOnceInTheirOrder) {
     const RunningSimulator simulator;
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     client.send(std::string(ACTIVATE_99) + "\n" + LIST + ACTIVATE_99);
     const std::string expected = std::string(NOT_FOUND) + LISTED + NOT_FOUND;
     std::string received;
@@ -101,7 +101,7 @@ TEST(Server, answersRequestsThatArriveAtOnceInTheirOrder) {
 TEST(Server, answersThousandsOfRequestsThatArriveAtOnce) {
     constexpr std::size_t REQUESTS = 5'000;
     const RunningSimulator simulator;
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     std::thread sender([&client] {
         std::string requests;
         for (std::size_t count = 0; count < REQUESTS; ++count) {
@@ -118,15 +118,15 @@ TEST(Server, answersThousandsOfRequestsThatArriveAtOnce) {
 
 TEST(Server, answersSeveralConnectionsAtATime) {
     const RunningSimulator simulator;
-    const LoopbackClient first(simulator.port());
-    const LoopbackClient second(simulator.port());
+    LoopbackClient first(simulator.port());
+    LoopbackClient second(simulator.port());
     EXPECT_EQ(second.exchange(LIST), LISTED);
     EXPECT_EQ(first.exchange(LIST), LISTED);
 }
 
 TEST(Server, goesOnAfterBytesThatAreNoRequest) {
     const RunningSimulator simulator;
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange("hello"), NOT_UNDERSTOOD);
     EXPECT_EQ(client.exchange(std::string("\0\xff", 2)), NOT_UNDERSTOOD);
     EXPECT_EQ(client.exchange("[}"), NOT_UNDERSTOOD);
@@ -136,7 +136,7 @@ TEST(Server, goesOnAfterBytesThatAreNoRequest) {
 TEST(Server, takesANewConnectionWhenThePeerLeft) {
     RunningSimulator simulator;
     {
-        const LoopbackClient client(simulator.port());
+        LoopbackClient client(simulator.port());
         client.send("[{\"msg_id\":");
     }
     EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
@@ -146,7 +146,7 @@ TEST(Server, takesANewConnectionWhenThePeerLeft) {
 
 TEST(Server, refusesARequestThatIsTooLongAndGoesOn) {
     RunningSimulator simulator;
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange("[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES, 'x') + "\"]"),
               NOT_UNDERSTOOD);
     EXPECT_EQ(client.exchange(LIST), LISTED);
@@ -160,7 +160,7 @@ TEST(Server, refusesARequestThatIsTooLongAndGoesOn) {
 
 TEST(Server, takesARequestAsLongAsTheyGet) {
     const RunningSimulator simulator;
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange(R"([{"msg_id":77,"param":99,"x":")" +
                               std::string(std::size_t{12} << 20U, 'x') + R"("}])"),
               NOT_FOUND);
@@ -168,7 +168,7 @@ TEST(Server, takesARequestAsLongAsTheyGet) {
 
 TEST(Server, delaysAnAnswer) {
     const RunningSimulator simulator({{FaultKind::DELAY, 150, 1}});
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     const auto start = steady_clock::now();
     EXPECT_EQ(client.exchange(LIST), LISTED);
     EXPECT_GE(steady_clock::now() - start, milliseconds(150));
@@ -176,7 +176,7 @@ TEST(Server, delaysAnAnswer) {
 
 TEST(Server, keepsSilent) {
     const RunningSimulator simulator({{FaultKind::SILENT, 0, 1}});
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     client.send(ACTIVATE_99);
     EXPECT_EQ(client.exchange(LIST), LISTED);
 }
@@ -189,7 +189,7 @@ TEST(Server, closesTheConnectionInsteadOfAnAnswer) {
 
 TEST(Server, resetsTheConnectionInsteadOfAnAnswer) {
     const RunningSimulator simulator({{FaultKind::RESET, 0, 1}});
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     try {
         (void)client.exchange(LIST);
         FAIL() << "no reset";
@@ -201,7 +201,7 @@ TEST(Server, resetsTheConnectionInsteadOfAnAnswer) {
 
 TEST(Server, splitsAnAnswer) {
     const RunningSimulator simulator({{FaultKind::SPLIT, 3000, 1}});
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange(LIST), R"([{"param":"reticle_li)");
     EXPECT_EQ(client.receive(), R"(st.json","ret_val":0}])");
     EXPECT_EQ(client.exchange(LIST), LISTED);
@@ -209,7 +209,7 @@ TEST(Server, splitsAnAnswer) {
 
 TEST(Server, sendsALongAnswerThatTheServiceCuts) {
     const RunningSimulator simulator({{FaultKind::LONG, 0, 1}});
-    const LoopbackClient client(simulator.port());
+    LoopbackClient client(simulator.port());
     const std::string first = client.exchange(LIST);
     EXPECT_EQ(first.size(), 1024U);
     EXPECT_EQ(client.receive(), std::string(511, ' ') + "]");
