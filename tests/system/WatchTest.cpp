@@ -51,6 +51,31 @@ TEST_F(WatchTest, ALowWindowDoesNotScroll) {
     ASSERT_TRUE(eventuallyPictures(process, "Mil-Dot"));
     const std::string picture = lastPicture(process);
     EXPECT_EQ(countOf("\r\n", picture), 5U) << picture;
+    EXPECT_NE(picture.find("... 6 more"), std::string::npos) << picture;
+}
+
+TEST_F(WatchTest, WhatHasChangedIsMarked) {
+    TerminalProcess process(watch());
+    ASSERT_TRUE(eventuallyPictures(process, "      0  *       Duplex"));
+    EXPECT_EQ(Reticlectl::run({"activate", "3"}).status, Reticlectl::DONE);
+    EXPECT_TRUE(process.eventuallyShows("\r\n~     3  *       BDC 7.62 mm"));
+    EXPECT_NE(process.output().find("\r\n~     0          Duplex"), std::string::npos);
+    EXPECT_NE(process.output().find("\r\n~ changed\x1B[K\r\n"), std::string::npos);
+    EXPECT_EQ(process.output().find("\r\n~     1 "), std::string::npos);
+}
+
+TEST_F(WatchTest, TheHeaderIsThereBeforeTheFirstList) {
+    startDevice({"--fault", "silent"});
+    TerminalProcess process(watch());
+    EXPECT_TRUE(eventuallyPictures(process, "Every 0.05 s: 127.0.0.1:3451, "));
+    EXPECT_TRUE(eventuallyPictures(process, "Waiting for the list: 1 of 60 s"));
+}
+
+TEST_F(WatchTest, AnErrorIsWrappedAndNotCut) {
+    service.reset();
+    TerminalProcess process(watch(), {40, 20});
+    EXPECT_TRUE(eventuallyPictures(process, "check that"));
+    EXPECT_TRUE(eventuallyPictures(process, "the host and port"));
 }
 
 TEST_F(WatchTest, ALostServiceIsSaidAndAskedAgain) {

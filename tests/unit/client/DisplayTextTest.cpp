@@ -68,6 +68,15 @@ TEST(Shortened, NeverCutsACharacter) {
     EXPECT_EQ(shortened("e\xCC\x81ta", 2), "e\xCC\x81\xE2\x80\xA6");
 }
 
+TEST(Wrapped, BreaksAtBlanksOrWhereItMust) {
+    EXPECT_EQ(wrapped("one two three", 7), "one two\nthree\n");
+    EXPECT_EQ(wrapped("one two three", 13), "one two three\n");
+    EXPECT_EQ(wrapped("onetwothree", 4), "onet\nwoth\nree\n");
+    EXPECT_EQ(wrapped("", 4), "\n");
+    // Two columns each.
+    EXPECT_EQ(wrapped("\xE5\x8D\x81\xE5\x8D\x81", 3), "\xE5\x8D\x81\n\xE5\x8D\x81\n");
+}
+
 }  // namespace
 
 }  // namespace reticlectl

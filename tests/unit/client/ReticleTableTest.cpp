@@ -75,6 +75,17 @@ TEST(ReticleTable, LeavesOutWhatHasNoRoom) {
               "    0  *       Dot   no       \n");
 }
 
+TEST(ReticleTable, NamesGoLast) {
+    const std::vector<Reticle> reticles = {
+        {0, "A very long name", R"(<svg stroke="red"/>)", false, true}};
+    EXPECT_EQ(renderTable(reticles, {false, 20}),
+              "INDEX  NAME         \n"
+              "    0  A very long \xE2\x80\xA6\n");
+    EXPECT_EQ(renderTable(reticles, {false, 14}),
+              "INDEX\n"
+              "    0\n");
+}
+
 TEST(ReticleTable, AnEmptyListIsOneClearLine) {
     EXPECT_EQ(
         renderTable({}),

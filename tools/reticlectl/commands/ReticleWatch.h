@@ -1,9 +1,12 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 
 #include "tools/reticlectl/commands/Session.h"
+#include "tools/reticlectl/table/ListChanges.h"
 
 namespace reticlectl {
 
@@ -24,18 +27,25 @@ private:
     // Nothing where lists follow one another.
     [[nodiscard]] std::optional<TerminalSize> _pictureSize() const;
     void _refresh();
+    void _showWait(std::chrono::milliseconds passed);
     void _show();
     void _paint(const TerminalSize& size) const;
+    [[nodiscard]] std::string _head(std::size_t columns) const;
+    [[nodiscard]] std::string _markedTable(std::size_t columns) const;
     void _append();
 
     const Session& _session;
     double _intervalSeconds;
     // Empty before the first answer and when the service is lost.
     std::optional<reticle::ReticleClient> _client;
-    // The last that came.
+    // The last that came, when, and what it has changed.
     std::optional<reticle::Reply> _reply;
+    std::string _replyTime;
+    ListChanges _changes;
     // Why the last request has brought no list; empty when it has.
     std::string _problem;
+    // What the request under way waits for, once that is worth telling.
+    std::string _wait;
     bool _hasShownList = false;
 };
 

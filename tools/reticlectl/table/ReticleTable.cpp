@@ -20,6 +20,8 @@ constexpr std::size_t NEVER_SHORTENED = std::numeric_limits<std::size_t>::max();
 struct Column {
     const char* title = "";
     Alignment alignment = Alignment::LEFT;
+    /// The highest is left out first where there is no room.
+    unsigned rank = 0;
     /// How far its texts may be shortened.
     std::size_t smallest = NEVER_SHORTENED;
     bool hasSwatch = false;
@@ -29,12 +31,12 @@ constexpr std::size_t COLUMN_COUNT = 6;
 constexpr std::size_t NAME_SMALLEST = 8;
 constexpr std::size_t COLOR_SMALLEST = 7;
 constexpr std::array<Column, COLUMN_COUNT> COLUMNS = {
-    {{"INDEX", Alignment::RIGHT},
-     {"ACTIVE", Alignment::LEFT},
-     {"NAME", Alignment::LEFT, NAME_SMALLEST},
-     {"DELETABLE", Alignment::LEFT},
-     {"COLOUR", Alignment::LEFT, COLOR_SMALLEST, true},
-     {"BYTES", Alignment::RIGHT}}};
+    {{"INDEX", Alignment::RIGHT, 0},
+     {"ACTIVE", Alignment::LEFT, 2},
+     {"NAME", Alignment::LEFT, 1, NAME_SMALLEST},
+     {"DELETABLE", Alignment::LEFT, 3},
+     {"COLOUR", Alignment::LEFT, 4, COLOR_SMALLEST, true},
+     {"BYTES", Alignment::RIGHT, 5}}};
 constexpr std::string_view GAP = "  ";
 
 struct Row {
@@ -42,7 +44,7 @@ struct Row {
     bool isBold = false;
 };
 
-using Widths = std::vector<std::size_t>;
+using Widths = std::vector<std::optional<std::size_t>>;
 
 Row headRow() {
     Row row;
@@ -75,7 +77,8 @@ ColumnWidth widthOf(const std::vector<Row>& rows, std::size_t column, const Tabl
         width = std::max(width, displayWidth(row.cells[column]));
     }
     const std::size_t swatchColumns = swatchWidth(COLUMNS[column], style);
-    return {width + swatchColumns, std::min(width, COLUMNS[column].smallest) + swatchColumns};
+    return {width + swatchColumns, std::min(width, COLUMNS[column].smallest) + swatchColumns,
+            COLUMNS[column].rank};
 }
 
 Widths fittingWidths(const std::vector<Row>& rows, const TableStyle& style) {
@@ -105,8 +108,10 @@ std::string renderCell(const Row& row, std::size_t column, std::size_t width,
 std::string renderRow(const Row& row, const Widths& widths, const TableStyle& style) {
     std::string line;
     for (std::size_t column = 0; column < widths.size(); ++column) {
-        line += column > 0 ? GAP : "";
-        line += renderCell(row, column, widths[column], style);
+        if (widths[column]) {
+            line += line.empty() ? "" : GAP;
+            line += renderCell(row, column, *widths[column], style);
+        }
     }
     return line + '\n';
 }

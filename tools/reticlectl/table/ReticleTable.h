@@ -23,7 +23,7 @@ struct TableStyle {
 /// An empty list gives one line that says so.
 ///
 /// For a given width long colours and names are shortened with an ellipsis; what still does not fit
-/// is left out: the sizes, then the colours, then the rest from the right.
+/// is left out: sizes, colours, what can be deleted, what is active, and at last the names.
 [[nodiscard]] std::string renderTable(const std::vector<reticle::Reticle>& reticles,
                                       const TableStyle& style = {});
 

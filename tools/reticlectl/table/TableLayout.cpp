@@ -6,50 +6,65 @@ namespace reticlectl {
 
 namespace {
 
-/// How many of the columns fit at their smallest.
-std::size_t countFitting(const std::vector<ColumnWidth>& columns, std::size_t gap,
-                         std::size_t available) {
-    std::size_t count = 0;
-    std::size_t total = 0;
-    for (const ColumnWidth& column : columns) {
-        total += column.smallest + (count > 0 ? gap : 0);
-        if (total > available) {
-            break;
-        }
-        ++count;
-    }
-    return std::max<std::size_t>(count, 1);
-}
+using Columns = std::vector<ColumnWidth>;
+using Widths = std::vector<std::optional<std::size_t>>;
 
-std::size_t totalWidth(const std::vector<std::size_t>& widths, std::size_t gap) {
-    std::size_t total = gap * (widths.size() - 1);
-    for (const std::size_t width : widths) {
-        total += width;
+std::size_t totalWidth(const Widths& widths, std::size_t gap) {
+    std::size_t total = 0;
+    for (const auto& width : widths) {
+        total += width ? (total > 0 ? gap : 0) + *width : 0;
     }
     return total;
 }
 
-void narrow(std::vector<std::size_t>& widths, const std::vector<ColumnWidth>& columns,
-            std::size_t excess) {
-    for (std::size_t i = widths.size(); i-- > 0 && excess > 0;) {
-        const std::size_t spared = std::min(excess, widths[i] - columns[i].smallest);
-        widths[i] -= spared;
-        excess -= spared;
+/// Leaves out the column of the highest rank. \returns false when there is but one.
+bool leaveOneOut(Widths& widths, const Columns& columns) {
+    std::size_t last = columns.size();
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        count += widths[i] ? 1U : 0U;
+        if (widths[i] && (last == columns.size() || columns[i].rank > columns[last].rank)) {
+            last = i;
+        }
     }
+    if (count < 2) {
+        return false;
+    }
+    widths[last].reset();
+    return true;
+}
+
+/// The columns that fit at their smallest, so wide.
+Widths smallestThatFit(const Columns& columns, std::size_t gap, std::size_t available) {
+    Widths widths;
+    for (const ColumnWidth& column : columns) {
+        widths.emplace_back(column.smallest);
+    }
+    while (totalWidth(widths, gap) > available && leaveOneOut(widths, columns)) {
+    }
+    return widths;
 }
 
 }  // namespace
 
-std::vector<std::size_t> fitColumns(const std::vector<ColumnWidth>& columns, std::size_t gap,
-                                    std::optional<std::size_t> available) {
-    std::vector<std::size_t> widths;
-    const std::size_t count = available ? countFitting(columns, gap, *available) : columns.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        widths.push_back(columns[i].wanted);
+Widths fitColumns(const Columns& columns, std::size_t gap, std::optional<std::size_t> available) {
+    if (!available) {
+        Widths wanted;
+        for (const ColumnWidth& column : columns) {
+            wanted.emplace_back(column.wanted);
+        }
+        return wanted;
     }
-    const std::size_t total = totalWidth(widths, gap);
-    if (available && total > *available) {
-        narrow(widths, columns, total - *available);
+    Widths widths = smallestThatFit(columns, gap, *available);
+    const std::size_t taken = std::min(totalWidth(widths, gap), *available);
+    std::size_t left = *available - taken;
+    // Those at the right are the first to be narrow: what room is left goes to the others.
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (widths[i]) {
+            const std::size_t given = std::min(left, columns[i].wanted - columns[i].smallest);
+            *widths[i] += given;
+            left -= given;
+        }
     }
     return widths;
 }
