@@ -7,11 +7,11 @@
 namespace reticled {
 
 bool parseJson(std::string_view text, Comments comments, Json::Value& root) {
-    // One for each thread, since making one costs more than parsing a short text.
-    // The library prefers its newer reader, but that one refuses texts that this one takes.
+    // Not one for each thread: libc ends the process where it has no memory to note that one is to be
+    // destroyed with its thread. The library prefers its newer reader, but that one refuses texts that this one takes.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    thread_local Json::Reader reader;
+    Json::Reader reader;
 #pragma GCC diagnostic pop
     return reader.parse(text.data(), text.data() + text.size(), root,
                         comments == Comments::COLLECT);

@@ -8,7 +8,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <numeric>
 #include <sstream>
 #include <utility>
@@ -77,17 +76,6 @@ std::size_t usualSize(const Json::Value& value) {
         [](std::size_t sum, const Json::Value& child) { return sum + usualSize(child); });
 }
 
-std::string writtenByLibrary(const Json::Value& value) {
-    // One for each thread, since making one costs more than writing a short text.
-    thread_local const std::unique_ptr<Json::StreamWriter> writer(
-        Json::StreamWriterBuilder().newStreamWriter());
-    std::ostringstream text;
-    // Short of memory, a stream that swallows the exception would leave a cut text.
-    text.exceptions(std::ios::badbit);
-    writer->write(value, &text);
-    return std::move(text).str();
-}
-
 /// Puts an ASCII character, or what stands for it, at `place`. \return behind it.
 char* putEscaped(char* place, char character) {
     constexpr std::string_view SHORT = "btn.fr";  // for 0x08 to 0x0D; 0x0B has none
@@ -113,10 +101,10 @@ char* putEscaped(char* place, char character) {
 }  // namespace
 
 std::string JsonWriter::write(const Json::Value& value) {
-    if (hasComment(value)) {
-        return writtenByLibrary(value);
-    }
     JsonWriter writer;
+    if (hasComment(value)) {
+        return writer._writtenByLibrary(value);
+    }
     writer._text.reserve(usualSize(value));
     writer._writeValue(value);
     return std::move(writer._text);
@@ -144,9 +132,22 @@ void JsonWriter::_writeValue(const Json::Value& value) {
             break;
         case Json::uintValue:
         case Json::realValue:
-            _text += writtenByLibrary(value);
+            _text += _writtenByLibrary(value);
             break;
     }
+}
+
+std::string JsonWriter::_writtenByLibrary(const Json::Value& value) {
+    // Making one costs more than writing a short text. Not one for each thread: libc ends the process
+    // where it has no memory to note that one is to be destroyed with its thread.
+    if (!_library) {
+        _library.reset(Json::StreamWriterBuilder().newStreamWriter());
+    }
+    std::ostringstream text;
+    // Short of memory, a stream that swallows the exception would leave a cut text.
+    text.exceptions(std::ios::badbit);
+    _library->write(value, &text);
+    return std::move(text).str();
 }
 
 void JsonWriter::_writeArray(const Json::Value& array) {
@@ -195,7 +196,7 @@ void JsonWriter::_writeString(std::string_view text) {
         const std::size_t count = _writePiece(text.substr(taken));
         if (count == 0) {
             _text.resize(start);
-            _text += writtenByLibrary(Json::Value(text.data(), text.data() + text.size()));
+            _text += _writtenByLibrary(Json::Value(text.data(), text.data() + text.size()));
             return;
         }
         taken += count;

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <json/value.h>
+#include <json/writer.h>
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -23,6 +25,7 @@ private:
     JsonWriter() = default;
 
     void _writeValue(const Json::Value& value);
+    [[nodiscard]] std::string _writtenByLibrary(const Json::Value& value);
     void _writeArray(const Json::Value& array);
     void _writeObject(const Json::Value& object);
     void _writeString(std::string_view text);
@@ -31,6 +34,7 @@ private:
     void _startLine();
 
     std::string _text;
+    std::unique_ptr<Json::StreamWriter> _library;  ///< made when it is needed
     std::size_t _depth = 0;
 };
 
