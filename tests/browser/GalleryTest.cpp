@@ -148,4 +148,39 @@ TEST_F(GalleryTest, HostilePicturesAndNamesDoNothing) {
               0U);
 }
 
+/// Parts of which each repeats the one before ten times: more shapes than any browser ever draws.
+std::string drawingOf(const std::string& part, const std::string& link, const std::string& end) {
+    constexpr int PARTS = 12;
+    std::string content = R"(<rect width="9" height="9"/>)";
+    std::string svg = R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 9 9">)";
+    for (int number = 0; number < PARTS; ++number) {
+        const std::string name = "p" + std::to_string(number);
+        svg += "<" + part + " id=\"" + name + "\">" + content + "</" + part + ">";
+        content = repeated(link + name + end, 10);
+    }
+    return svg + content + "</svg>";
+}
+
+TEST_F(GalleryTest, PicturesThatNeverEndHoldUpNothing) {
+    flash.write("reticle/uses.svg", drawingOf("g", R"(<use href="#)", R"("/>)"));
+    flash.write("reticle/masks.svg",
+                drawingOf("mask", R"(<rect width="9" height="9" mask="url(#)", R"x()"/>)x"));
+    flash.write("reticle/square.svg", SQUARE);
+    const auto entry = [](int index, const std::string& file) {
+        return R"({"index":)" + std::to_string(index) + R"(,"name":"N","data":")" + file +
+               R"(","userColor":"#12fe34","isDeletable":true,"isActive":false})";
+    };
+    constexpr int CARDS = 29;
+    std::string list = R"([{"reticles":[)" + entry(0, "uses.svg");
+    for (int index = 1; index < CARDS; ++index) {
+        list += "," + entry(index, "square.svg");
+    }
+    startWith(list + "," + entry(CARDS, "masks.svg") + "]}]");
+
+    const OpenedPage page = openGallery("light");
+    EXPECT_EQ(countOf("<article", page.dom), CARDS + 1U);
+    expectPart(page.dom, "<pre>not drawn: it repeats parts that repeat others</pre>");
+    expectSquareOn(page.screenshot, SQUARE_COLOUR, LIGHT_GROUND);
+}
+
 }  // namespace

@@ -8,6 +8,7 @@
 #include "reticle-client/UserColor.h"
 #include "tools/reticlectl/gallery/GalleryStyle.h"
 #include "tools/reticlectl/gallery/HtmlText.h"
+#include "tools/reticlectl/gallery/NestedUses.h"
 #include "tools/reticlectl/gallery/SvgPicture.h"
 #include "tools/reticlectl/terminal/DisplayText.h"
 
@@ -98,11 +99,18 @@ std::string nameOf(const Reticle& reticle) {
     return reticle.name.empty() ? "<span class=\"unnamed\">no name</span>" : shown(reticle.name);
 }
 
+std::string image(const Reticle& reticle, const std::string& picture) {
+    if (nestsUses(picture)) {
+        return "<pre>not drawn: it repeats parts that repeat others</pre>";
+    }
+    return "<img alt=\"Picture of " + shown(reticle.name) + "\" src=\"" +
+           dataUrl(SVG_TYPE, picture) + "\">";
+}
+
 std::string ground(const Reticle& reticle, const std::optional<std::string>& picture) {
     const std::string content =
         picture
-            ? "<img alt=\"Picture of " + shown(reticle.name) + "\" src=\"" +
-                  dataUrl(SVG_TYPE, *picture) + "\">"
+            ? image(reticle, *picture)
             : "<pre>" + (reticle.data.empty() ? "no data" : shownLines(reticle.data)) + "</pre>";
     return element("<div class=\"ground\">", content, "</div>\n");
 }
