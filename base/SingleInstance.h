@@ -6,7 +6,7 @@
 namespace reticled {
 
 /// Gives `Component` the static accessor of a long-lived component: one instance per process, made
-/// on first request and kept until static destruction.
+/// on first request and kept until the process ends.
 ///
 /// A constructor that asks for the instances it needs fixes the order in which they are made, so
 /// the components must not need each other in a circle.

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "base/Log.h"
+#include "base/LoggedJson.h"
 #include "commands/JsonRtosBuilderList.h"
 
 namespace reticled {
@@ -27,7 +28,7 @@ JsonHandler::JsonHandler()
 bool JsonHandler::_exchangeAll(const std::vector<std::string>& requests) {
     _netBuilder->reset();
     for (const std::string& request : requests) {
-        logLine(std::cout, "handleJsReq", ", rtos request: ", request);
+        logLine(std::cout, "handleJsReq", ", rtos request: ", LoggedJson(request));
         if (!_netBuilder->setResult(_localCommunicator->send_and_get(request))) {
             return false;
         }
@@ -42,7 +43,7 @@ void JsonHandler::_refreshList() {
 std::string JsonHandler::_finishReply() {
     _netBuilder->finish();
     std::string reply = _netBuilder->getResponse();
-    logLine(std::cout, "handleJsReq", ", response: ", reply);
+    logLine(std::cout, "handleJsReq", ", response: ", LoggedJson(reply));
     return reply;
 }
 

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "base/Log.h"
+#include "base/LoggedJson.h"
 
 namespace reticled {
 namespace {
@@ -25,7 +26,7 @@ void JsonRtosBuilderAddOrUpdate::reset() {
 
 void JsonRtosBuilderAddOrUpdate::build(const std::string& request) {
     // Intended: no separator, log readers look for "buildmsg: ".
-    logLine(std::cout, "build", "msg: ", request);
+    logLine(std::cout, "build", "msg: ", LoggedJson(request));
     const std::vector<ReticleRecord> records = JsonRetriever::getReticleRecords(request, RETICLES);
     // Intended: written for every request, also when it has records.
     logLine(std::cout, "build", "indices is empty ");

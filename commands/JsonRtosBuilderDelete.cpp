@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/Log.h"
+#include "base/LoggedJson.h"
 #include "processing/JsonRetriever.h"
 
 namespace reticled {
@@ -15,7 +16,7 @@ void JsonRtosBuilderDelete::reset() {
 
 void JsonRtosBuilderDelete::build(const std::string& request) {
     // Intended: no separator, log readers look for "buildmsg: ".
-    logLine(std::cout, "build", "msg: ", request);
+    logLine(std::cout, "build", "msg: ", LoggedJson(request));
     const std::vector<int> indices = JsonRetriever::getIntVector(request, INDICES);
     if (indices.empty()) {
         logLine(std::cout, "build", "indices is empty ");

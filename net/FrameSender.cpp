@@ -1,19 +1,33 @@
 #include "net/FrameSender.h"
 
-#include <linux/sockios.h>
 #include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <thread>
 
 namespace reticled {
 namespace {
 
-/// How often a waiting sender looks whether its client is still taking bytes.
-constexpr std::chrono::milliseconds PROGRESS_CHECK_INTERVAL{500};
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+/// How often a waiting sender tries again: the kernel says "writable" only when a third of its buffer
+/// is free, and takes bytes long before that.
+constexpr milliseconds RETRY_INTERVAL{500};
+/// Before a wait that follows another: a kernel that is short of memory says "writable" and takes
+/// nothing, and asking it at once would burn a core.
+constexpr milliseconds REPEATED_WAIT_PAUSE{10};
+
+void waitForRoom(int socket, milliseconds longest, bool isRepeated) {
+    if (isRepeated) {
+        std::this_thread::sleep_for(std::min(longest, REPEATED_WAIT_PAUSE));
+    }
+    pollfd writable{.fd = socket, .events = POLLOUT, .revents = 0};
+    poll(&writable, 1, static_cast<int>(longest.count()));
+}
 
 }  // namespace
 
@@ -29,42 +43,36 @@ FrameSender::~FrameSender() {
 }
 
 int FrameSender::send(std::span<const std::uint8_t> bytes, Rest rest) {
+    const int error = _sendAll(bytes, rest);
+    if (error == ETIMEDOUT || (error != 0 && _isHalfWay)) {
+        shutdown(_socket, SHUT_RDWR);
+    }
+    return error;
+}
+
+int FrameSender::_sendAll(std::span<const std::uint8_t> bytes, Rest rest) {
     const int flags = MSG_NOSIGNAL | MSG_DONTWAIT | (rest == Rest::FOLLOWS ? MSG_MORE : 0);
     auto deadline = Clock::now() + _stallLimit;
+    bool hasWaited = false;
     while (!bytes.empty()) {
         const ssize_t taken = ::send(_socket, bytes.data(), bytes.size(), flags);
         if (taken >= 0) {
             bytes = bytes.subspan(static_cast<std::size_t>(taken));
+            _isHalfWay = true;
             deadline = Clock::now() + _stallLimit;
+            hasWaited = false;
         } else if (errno == EAGAIN) {
-            if (_waitForRoom(deadline)) {
-                deadline = Clock::now() + _stallLimit;
-            } else if (Clock::now() >= deadline) {
-                shutdown(_socket, SHUT_RDWR);
+            const auto left = std::chrono::ceil<milliseconds>(deadline - Clock::now());
+            if (left.count() <= 0) {
                 return ETIMEDOUT;
             }
+            waitForRoom(_socket, std::min(left, RETRY_INTERVAL), hasWaited);
+            hasWaited = true;
         } else if (errno != EINTR) {
             return errno;
         }
     }
     return 0;
-}
-
-bool FrameSender::_waitForRoom(Clock::time_point deadline) const {
-    const int notTakenBefore = _bytesNotTaken();
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-    const auto pause = std::clamp(left, std::chrono::milliseconds{0}, PROGRESS_CHECK_INTERVAL);
-    pollfd writable{.fd = _socket, .events = POLLOUT, .revents = 0};
-    poll(&writable, 1, static_cast<int>(pause.count()));
-    // Asked apart from the poll: the kernel says "writable" only when a third of its buffer is free, a
-    // slow client takes bytes long before that.
-    return _bytesNotTaken() < notTakenBefore;
-}
-
-int FrameSender::_bytesNotTaken() const {
-    int bytes = 0;
-    ioctl(_socket, SIOCOUTQ, &bytes);  // NOLINT(cppcoreguidelines-pro-type-vararg)
-    return bytes;
 }
 
 }  // namespace reticled

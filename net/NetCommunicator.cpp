@@ -12,26 +12,46 @@
 #include <stdexcept>
 
 #include "base/Log.h"
+#include "base/LoggedJson.h"
 #include "net/FrameSender.h"
 
 namespace reticled {
 namespace {
 
 constexpr int LISTEN_BACKLOG = 10;
+
+/// Of the listening socket, for the connections, which inherit it. The service works without, too.
+struct ConnectionOption {
+    int level;
+    int name;
+    int value;
+};
+constexpr std::array CONNECTION_OPTIONS{
+    // Without it a small reply waits for the client's acknowledgement of the one before.
+    ConnectionOption{IPPROTO_TCP, TCP_NODELAY, 1},
+    // A client that has vanished gives its thread and descriptor back: four minutes after its last byte.
+    ConnectionOption{SOL_SOCKET, SO_KEEPALIVE, 1},
+    ConnectionOption{IPPROTO_TCP, TCP_KEEPIDLE, 120},
+    ConnectionOption{IPPROTO_TCP, TCP_KEEPINTVL, 30},
+    ConnectionOption{IPPROTO_TCP, TCP_KEEPCNT, 4},
+};
+
 /// Until a descriptor or memory may be free again; at once would burn a core.
 constexpr std::chrono::milliseconds ACCEPT_RETRY_PAUSE{10};
 
 /// Replies from this size on are sent without putting header and body together in memory first.
 constexpr std::size_t SEPARATE_BODY_BYTES = 65536;
 
-[[noreturn]] void failSetup(const char* message) {
+/// Of the listening socket, which is closed: nobody would own it.
+[[noreturn]] void failSetup(int socket, const char* message) {
     logSystemError(errno);
+    close(socket);
     throw std::runtime_error(message);
 }
 
 void setSocketOption(int socket, int option, int value, const char* failureMessage) {
     if (setsockopt(socket, SOL_SOCKET, option, &value, sizeof value) < 0) {
-        failSetup(failureMessage);
+        failSetup(socket, failureMessage);
     }
 }
 
@@ -105,10 +125,6 @@ NetCommunicator::NetCommunicator()
 
 NetCommunicator::~NetCommunicator() {
     if (_serverThread && _serverThread->joinable()) {
-        // Wakes the server thread: the process ends, and the port must not stay open without
-        // replies.
-        _isStopped = true;
-        shutdown(_serverSocket, SHUT_RDWR);
         _serverThread->join();
     }
     if (close(_serverSocket) < 0) {
@@ -120,10 +136,9 @@ void NetCommunicator::_openServerSocket() {
     _serverSocket = socket(AF_INET, SOCK_STREAM, 0);
     setSocketOption(_serverSocket, SO_REUSEPORT, 1, "Failed to set REUSE_PORT option");
     setSocketOption(_serverSocket, SO_RCVBUF, RCV_BUFFER_SIZE, "Failed to set rcv buffer size");
-    // Inherited by the connections: without it a small reply waits for the client's acknowledgement
-    // of the one before. The service works without it, too.
-    const int enable = 1;
-    setsockopt(_serverSocket, IPPROTO_TCP, TCP_NODELAY, &enable, sizeof enable);
+    for (const ConnectionOption& option : CONNECTION_OPTIONS) {
+        setsockopt(_serverSocket, option.level, option.name, &option.value, sizeof option.value);
+    }
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_ANY);
@@ -131,10 +146,10 @@ void NetCommunicator::_openServerSocket() {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface asks for
     // it
     if (bind(_serverSocket, reinterpret_cast<const sockaddr*>(&address), sizeof address) < 0) {
-        failSetup("Cannot bind server socker to PORT 3451");
+        failSetup(_serverSocket, "Cannot bind server socker to PORT 3451");
     }
     if (listen(_serverSocket, LISTEN_BACKLOG) < 0) {
-        failSetup("Error during attemp to move the socket in listen state");
+        failSetup(_serverSocket, "Error during attemp to move the socket in listen state");
     }
 }
 
@@ -222,7 +237,7 @@ void NetCommunicator::responseThread() {
 
 void NetCommunicator::_sendNextReply() {
     const std::shared_ptr<Packet> packet = _packetStorage->pop(RESPONSE_QUEUE);
-    logLine(std::cout, "responseThread", ": msg to send = ", packet->_data);
+    logLine(std::cout, "responseThread", ": msg to send = ", LoggedJson(packet->_data));
     const int socket = packet->_socket;
     if (socket == NO_SOCKET) {
         return;

@@ -29,7 +29,8 @@ public:
     NetCommunicator(const NetCommunicator&) = delete;
     NetCommunicator& operator=(const NetCommunicator&) = delete;
 
-    /// Ends the server thread and closes the port. Reached only when the service could not start.
+    /// Waits for the server thread and closes the port. The service never gets here: it ends without
+    /// destroying anything.
     ~NetCommunicator();
 
     /// Starts the server thread, then the response thread. Main thread, once.

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/Log.h"
+#include "base/LoggedJson.h"
 
 #ifndef _GLIBCXX_ASSERTIONS
 #error "the call through an empty handler pointer relies on the assertions of the C++ library"
@@ -20,9 +21,6 @@ PacketsHandler::PacketsHandler()
 
 PacketsHandler::~PacketsHandler() {
     _isRunning = false;
-    // The worker may wait for a request; an empty one wakes it and fails before it touches
-    // anything.
-    _packetStorage->push(REQUEST_QUEUE, std::make_shared<Packet>(NO_SOCKET, std::string()));
     if (_handlerThread && _handlerThread->joinable()) {
         _handlerThread->join();
     }
@@ -40,7 +38,7 @@ void PacketsHandler::_handlerRoutine() {
 
 void PacketsHandler::_handleNextPacket() {
     const std::shared_ptr<Packet> packet = _packetStorage->pop(REQUEST_QUEUE);
-    logLine(std::cout, "PacketsHandler::_handlerRoutine, json req: ", packet->_data);
+    logLine(std::cout, "PacketsHandler::_handlerRoutine, json req: ", LoggedJson(packet->_data));
     const std::shared_ptr<JsonHandler> handler = _handlerDirector->getHandler(packet->_data);
     // Intended: an action that nobody handles gives an empty pointer, and the call through it ends
     // the process at once: the library's assertions, on in every build, check operator* (not ->).

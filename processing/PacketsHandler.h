@@ -21,11 +21,13 @@ public:
     PacketsHandler(const PacketsHandler&) = delete;
     PacketsHandler& operator=(const PacketsHandler&) = delete;
 
-    /// Stops and joins the worker, which first finishes the request that it is at. Runs at process
-    /// exit, which is reached only when the service could not start.
+    /// Stops and joins the worker, which first finishes the request that it is at, or, where it
+    /// waits for one, the next. The service never gets here: it ends without destroying anything.
     ~PacketsHandler();
 
 private:
+    friend struct PacketsHandlerTestPeer;
+
     /// The worker's body: takes a request, has its handler make the reply, queues the reply in the
     /// same packet. The one place that turns a failed request into its log line and no reply.
     void _handlerRoutine();

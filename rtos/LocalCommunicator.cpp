@@ -11,6 +11,7 @@
 #include <stdexcept>
 
 #include "base/Log.h"
+#include "base/LoggedJson.h"
 
 namespace reticled {
 namespace {
@@ -49,7 +50,7 @@ std::string LocalCommunicator::send_and_get(const std::string& request) {
     if (!_isRecvJsonValid()) {
         throw std::runtime_error("Corrupted json packet was received fromRTOS");
     }
-    logLine(std::cout, "send_and_get", ": recv json: ", _recvJson);
+    logLine(std::cout, "send_and_get", ": recv json: ", LoggedJson(_recvJson));
     return _recvJson;
 }
 

@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 #include "base/Log.h"
@@ -41,8 +42,11 @@ int runService() {
         netCommunicator->join();
     } catch (...) {
         logLine(std::cerr, "Exception is caught in main ");
+        // At once: threads that run already would work on destroyed objects, or wait for a peer. Each
+        // line of the log was flushed when it was written.
+        std::quick_exit(EXIT_SUCCESS);
     }
-    return 0;
+    return EXIT_SUCCESS;
 }
 
 }  // namespace reticled

@@ -27,7 +27,8 @@ constexpr const char* DESCRIPTION =
 constexpr const char* SESSIONS_HELP =
     "Sessions are text files that tell what went between a service and a device. --record\n"
     "writes one while simulating. --from-log makes one from a log of reticled-foreground, both\n"
-    "streams of it, taken on a real device; it listens nowhere. --replay is a device that knows\n"
+    "streams of it, whole (without --log-bytes), taken on a real device; it listens nowhere. "
+    "--replay is a device that knows\n"
     "nothing but its session: the requests must be those of the session, in its order. At the\n"
     "first that differs it names the difference and ends with status 3, and so it does when it\n"
     "is ended before all have come; it writes the session's files into the root, which should be\n"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <regex>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -74,6 +75,18 @@ std::string withoutJournalPrefix(std::string line) {
     return line;
 }
 
+/// Whether `line` ends as texts do that --log-bytes has cut: " ... (M bytes)".
+bool isCut(std::string_view line) {
+    constexpr std::string_view START = " ... (";
+    constexpr std::string_view END = " bytes)";
+    const std::size_t start = line.rfind(START);
+    if (start == line.npos || !line.ends_with(END)) {
+        return false;
+    }
+    const std::string_view size = line.substr(start + START.size());
+    return size.find_first_not_of("0123456789") == size.size() - END.size();
+}
+
 }  // namespace
 
 std::optional<LogRecord> LogReader::next() {
@@ -106,6 +119,10 @@ bool LogReader::_readLine() {
         return false;
     }
     ++_lineNumber;
+    if (isCut(_line)) {
+        throw std::runtime_error("line " + std::to_string(_lineNumber) +
+                                 " is cut: a session needs a log written without --log-bytes");
+    }
     _line = withoutJournalPrefix(std::move(_line));
     return true;
 }

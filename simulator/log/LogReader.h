@@ -36,6 +36,7 @@ public:
     explicit LogReader(std::istream& log) : _log(log) {}
 
     /// The next record; none at the end.
+    /// \throws std::runtime_error when a text was cut as the log was written.
     [[nodiscard]] std::optional<LogRecord> next();
 
 private:

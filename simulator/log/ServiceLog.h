@@ -18,6 +18,7 @@ namespace sim {
 class ServiceLog {
 public:
     /// Reads `log` to its end.
+    /// \throws std::runtime_error when a text was cut as the log was written.
     explicit ServiceLog(std::istream& log);
 
     [[nodiscard]] const Session& session() const { return _session; }

@@ -15,6 +15,7 @@
 #include "tests/fuzz/FuzzTarget.h"
 #include "tests/support/FileDescriptor.h"
 #include "tests/unit/service/peers/NetCommunicatorTestPeer.h"
+#include "tests/unit/service/peers/PacketsHandlerTestPeer.h"
 
 namespace reticled {
 namespace {
@@ -28,6 +29,9 @@ constexpr std::size_t MAX_PIECES = 16;
 class Server {
 public:
     Server() { NetCommunicatorTestPeer::useStorage(_net, _storage); }
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+    ~Server() { PacketsHandlerTestPeer::stopWorker(); }
 
     /// Has a reader read all of `descriptor`, which it closes.
     void read(int descriptor) { NetCommunicatorTestPeer::clientRoutine(_net, descriptor); }

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int BACKLOG = 16;
-
 sockaddr_in loopback(std::uint16_t port) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -33,7 +31,7 @@ void require(int result, const std::string& purpose, std::uint16_t port) {
 
 }  // namespace
 
-FileDescriptor sockets::listenOn(std::uint16_t port) {
+FileDescriptor sockets::listenOn(std::uint16_t port, int backlog) {
     FileDescriptor listener = newSocket();
     const int on = 1;
     // A port whose last connection has just been closed can be had again at once.
@@ -41,7 +39,7 @@ FileDescriptor sockets::listenOn(std::uint16_t port) {
     const sockaddr_in address = loopback(port);
     require(bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
             "bind", port);
-    require(listen(listener.get(), BACKLOG), "listen on", port);
+    require(listen(listener.get(), backlog), "listen on", port);
     return listener;
 }
 

@@ -7,8 +7,9 @@
 /// TCP sockets on loopback. All operations throw std::system_error when the socket cannot be had.
 namespace sockets {
 
-/// Listens on 127.0.0.1. The port is not shared (no SO_REUSEPORT).
-[[nodiscard]] FileDescriptor listenOn(std::uint16_t port);
+/// Listens on 127.0.0.1. The port is not shared (no SO_REUSEPORT). The kernel lets one connection
+/// more than `backlog` wait to be accepted; others must try again.
+[[nodiscard]] FileDescriptor listenOn(std::uint16_t port, int backlog = 16);
 
 /// Connects. A `receiveBufferBytes` other than 0 makes the kernel's receive buffer that small, so
 /// that little can be sent to us while we do not read.

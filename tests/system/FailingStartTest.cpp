@@ -16,11 +16,11 @@ constexpr auto GIVES_UP = "Exception is caught in main \n";
 /// What the service lacks while it starts.
 class FailingStartTest : public SystemTest {
 protected:
-    // Expects that the service ends with these error lines first.
+    // Expects that the service ends with these error lines, and no other.
     static void expectEnd(const std::vector<std::string>& command, const std::string& why) {
         ForegroundService service(command);
         EXPECT_EQ(service.waitForEnd(), 0);
-        EXPECT_TRUE(service.errors().starts_with(why + GIVES_UP)) << service.errors();
+        EXPECT_EQ(service.errors(), why + GIVES_UP);
         EXPECT_FALSE(isListening(CLIENT_PORT));
     }
 

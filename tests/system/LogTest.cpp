@@ -204,6 +204,64 @@ responseThread: msg to send = {
     EXPECT_EQ(service.errors(), "");
 }
 
+/// A service that was told to be brief.
+class BriefLogTest : public SystemTest {
+protected:
+    BriefLogTest() { service.waitUntilListening(); }
+
+    ScriptedRtos rtos;
+    ForegroundService service{{programs::RETICLED_FOREGROUND, "--log-bytes", "20"}};
+};
+
+TEST_F(BriefLogTest, EachJsonTextIsCutAndTheClientsAndTheRtossAreWhole) {
+    FrameClient client;
+    flash.write("list.json", exchanges::ONE_DOT_LIST);
+    flash.write("reticle/dot.svg", exchanges::DOT);
+    client.sendFrame(
+        R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"name":"A","data":"<a/>"}]})");
+    EXPECT_EQ(rtos.exchange(DONE), R"([
+	{
+		"msg_id" : 78,
+		"param2_name" : "A",
+		"param3_data" : "a:/new_reticle_data0"
+	}
+])");
+    EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
+    EXPECT_EQ(client.readReply(), exchanges::ONE_DOT_REPLY);
+    EXPECT_EQ(service.progress(), R"(total cnt = 32
+json is true, length = 75
+PacketsHandler::_handlerRoutine, json req: {"action":"RETICLES_ ... (75 bytes)
+buildmsg: {"action":"RETICLES_ ... (75 bytes)
+buildindices is empty 
+handleJsReq, rtos request: [
+	{
+		"msg_id" : 78 ... (90 bytes)
+send_and_get: recv json: [{"ret_val":0}]
+send_and_get: recv json: [{"param":"list.json ... (35 bytes)
+_getReticleData: reticle file path: /tmp/FL0/reticle/dot.svg
+handleJsReq, response: {
+	"result" : "OK",
+ ... (170 bytes)
+responseThread: msg to send = {
+	"result" : "OK",
+ ... (170 bytes)
+)");
+    EXPECT_EQ(service.errors(), "json value: 0\n");
+}
+
+TEST_F(BriefLogTest, ListAndDeleteAreCutToo) {
+    FrameClient client;
+    client.sendFrame(GET_ALL);
+    EXPECT_EQ(rtos.exchange(R"([{"ret_val":6,"param":""}])"), LIST_REQUEST);
+    EXPECT_EQ(client.readReply(), FULL_REPLY);
+    client.sendFrame(R"({"action":"RETICLES_DELETE","indices":[7]})");
+    EXPECT_NE(rtos.exchange(FULL), "");
+    EXPECT_EQ(client.readReply(), FULL_REPLY);
+    EXPECT_TRUE(service.hasProgress(
+        "handleJsReq: rtos response: [{\"ret_val\":6,\"param ... (26 bytes)\n"));
+    EXPECT_TRUE(service.hasProgress("buildmsg: {\"action\":\"RETICLES_ ... (42 bytes)\n"));
+}
+
 using LogLinesTest = ForegroundTest;
 
 // Everything the service may write while clients send list requests that are refused, frames that

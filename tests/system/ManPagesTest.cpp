@@ -74,17 +74,22 @@ TEST(ManPagesTest, ReticlectlHasEveryExitStatus) {
     }
 }
 
-TEST(ManPagesTest, TheServiceHasNoOptions) {
-    for (const char* name : {"reticled.8", "reticled-foreground.8"}) {
-        const std::string text = page(name);
-        EXPECT_NE(text.find("NAME"), std::string::npos) << name;
-        EXPECT_EQ(ProgramHelp::optionsIn(text), std::set<std::string>{}) << name;
-    }
+TEST(ManPagesTest, TheDaemonHasNoOptions) {
+    const std::string text = page("reticled.8");
+    EXPECT_NE(text.find("NAME"), std::string::npos);
+    EXPECT_EQ(ProgramHelp::optionsIn(text), std::set<std::string>{});
+}
+
+TEST(ManPagesTest, TheForegroundServiceHasEveryOptionAndNoOther) {
+    const std::set<std::string> options = ProgramHelp::of({programs::RETICLED_FOREGROUND}).options;
+    EXPECT_EQ(options, (std::set<std::string>{"--help", "--log-bytes", "--version"}));
+    EXPECT_EQ(ProgramHelp::optionsIn(page("reticled-foreground.8")), options);
 }
 
 TEST(ManPagesTest, EachNamesTheVersionOfThePrograms) {
     const std::string version = versionOf(programs::RETICLECTL);
     EXPECT_EQ(versionOf(programs::RTOS_SIM), version);
+    EXPECT_EQ(versionOf(programs::RETICLED_FOREGROUND), version);
     for (const char* name : {"reticlectl.1", "reticled.8", "reticled-foreground.8", "rtos-sim.1"}) {
         EXPECT_NE(page(name).find("\"reticled " + version + "\""), std::string::npos) << name;
     }

@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <fstream>
 #include <optional>
 
 #include "tests/support/FrameClient.h"
+#include "tests/support/Ports.h"
+#include "tests/support/Sockets.h"
 #include "tests/support/Text.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundService.h"
@@ -94,6 +97,21 @@ TEST_F(RtosLinkTest, AbsentRtosCostsTheReplyAndMayComeLater) {
     EXPECT_TRUE(service.hasError(REFUSED));
     client().sendFrame(GET_ALL);
     EXPECT_TRUE(service.hasError(std::string(REFUSED) + REFUSED));
+    ScriptedRtos rtos;
+    expectServed(client(), rtos);
+}
+
+// How long it takes is up to the kernel.
+TEST_F(RtosLinkTest, RtosThatDoesNotAcceptCostsTheReplyAndMayAcceptLater) {
+    std::ofstream("/proc/sys/net/ipv4/tcp_syn_retries") << 1;
+    {
+        const FileDescriptor listening = sockets::listenOn(RTOS_PORT, 0);
+        const FileDescriptor waiting = sockets::connectTo(RTOS_PORT);
+        client().sendFrame(GET_ALL);
+        EXPECT_TRUE(service.hasError(
+            "Connection timed out: Connection timed out\n"
+            "_handlerRoutine, exception: Error on attempt to connect to local tcp server \n"));
+    }
     ScriptedRtos rtos;
     expectServed(client(), rtos);
 }

@@ -2,6 +2,7 @@
 #include <sys/socket.h>
 
 #include <chrono>
+#include <thread>
 
 #include "tests/support/FrameClient.h"
 #include "tests/support/Text.h"
@@ -23,7 +24,8 @@ constexpr std::chrono::seconds STALL_LIMIT{30};
 /// One client asks for a reply of several megabytes and takes its time to read it.
 class SlowReaderTest : public ForegroundTest {
 protected:
-    SlowReaderTest() {
+    explicit SlowReaderTest(int receiveBufferBytes = SMALL_BUFFER_BYTES)
+        : slow(receiveBufferBytes) {
         flash.write("list.json", R"([{"reticles":[{"index":1,"name":"Big","data":"big.svg",)"
                                  R"("userColor":"red","isDeletable":1,"isActive":0}]}])");
         flash.write("reticle/big.svg", std::string(RETICLE_BYTES, 'x'));
@@ -33,7 +35,7 @@ protected:
         rtos.answer(LIST_ANSWER);
     }
 
-    FrameClient slow{SMALL_BUFFER_BYTES};
+    FrameClient slow;
     std::chrono::steady_clock::time_point answered;  ///< no reply is under way before
 };
 
@@ -70,7 +72,7 @@ TEST_F(SlowReaderTest, ReplyIsLoggedBeforeItIsSent) {
     EXPECT_TRUE(service.hasProgress("responseThread: msg to send = {\n\t\"result\" : \"OK\""));
 }
 
-// Named apart from the others: the one test that lasts half a minute, started first.
+// Named apart from the others: these last half a minute and more, and are started first.
 class StalledReaderTest : public SlowReaderTest {};
 
 // While it stalls, the replies of all others wait: fifteen of them, what is more is lost.
@@ -97,6 +99,27 @@ TEST_F(StalledReaderTest, StalledReaderIsCutOffAndFifteenRepliesHaveWaited) {
     EXPECT_TRUE(slow.connection().seesEnd());
     EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == 6; }));
     expectServed(other, rtos);
+}
+
+/// A reader with the kernel's own buffers, which tell the service in large steps what was taken.
+class StalledReaderOfDefaultBuffersTest : public SlowReaderTest {
+protected:
+    static constexpr int DEFAULT_BUFFER = 0;
+    StalledReaderOfDefaultBuffersTest() : SlowReaderTest(DEFAULT_BUFFER) {}
+};
+
+TEST_F(StalledReaderOfDefaultBuffersTest, ReaderOf150KilobytesIn30SecondsIsServedOn) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::size_t BYTES_A_SECOND = 5000;
+    EXPECT_NE(slow.readBytes(1), "");
+    std::size_t taken = 0;
+    while (Clock::now() - answered < STALL_LIMIT * 3 / 2) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        const auto since = std::chrono::duration<double>(Clock::now() - answered);
+        const auto due = static_cast<std::size_t>(since.count() * BYTES_A_SECOND);
+        taken += slow.readBytes(due - taken).size();
+    }
+    EXPECT_EQ(service.errors(), "json value: 0\n");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <future>
 #include <numeric>
 #include <thread>
@@ -20,6 +22,7 @@
 #include "tests/support/Patience.h"
 #include "tests/support/Sockets.h"
 #include "tests/unit/service/DescriptorLimit.h"
+#include "tests/unit/service/OwnProcess.h"
 
 namespace reticled {
 namespace {
@@ -108,8 +111,8 @@ TEST_F(FrameSenderTest, ClientThatStallsHalfWayIsGivenUp) {
 }
 
 TEST_F(FrameSenderTest, ClientThatKeepsTakingLittleByLittleIsServedToTheEnd) {
-    constexpr auto LIMIT = 800ms;
-    constexpr auto PAUSE = 20ms;
+    constexpr auto LIMIT = 2s;
+    constexpr auto PAUSE = 40ms;
     constexpr std::size_t MORSEL_BYTES = 4096;
     // The kernel calls this buffer writable when a third of it is free, which takes this client
     // longer than the limit.
@@ -125,6 +128,22 @@ TEST_F(FrameSenderTest, ClientThatKeepsTakingLittleByLittleIsServedToTheEnd) {
     EXPECT_GT(Clock::now() - start, 2 * LIMIT);
     received += client.receive(frame.size() - received.size());
     EXPECT_TRUE(received == textOf(frame));
+}
+
+// As a kernel that is short of memory does.
+TEST_F(FrameSenderTest, WritableConnectionThatTakesNothingBurnsNoProcessorTime) {
+    constexpr auto LIMIT = 1000ms;
+    int error = 0;
+    std::chrono::nanoseconds processorTime{};
+    std::jthread([&] {
+        refuseSystemCall(SYS_sendto, EAGAIN);
+        error = send({1, 2, 3}, LIMIT);
+        timespec used{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
+        processorTime = std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec);
+    }).join();
+    EXPECT_EQ(error, ETIMEDOUT);
+    EXPECT_LT(processorTime, LIMIT / 10);
 }
 
 TEST_F(FrameSenderTest, ClosedDescriptorIsAnError) {

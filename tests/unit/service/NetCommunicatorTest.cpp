@@ -272,6 +272,36 @@ TEST_F(NetCommunicatorTest, LargeReplyToAClientThatHasLeftIsReportedOnce) {
                   "\nBroken pipe: Broken pipe\n");
 }
 
+// Its reader would otherwise take the next frame for the rest of the body.
+TEST_F(NetCommunicatorTest, ReplyThatFailsBehindItsHeaderEndsTheConnection) {
+    static constexpr unsigned BODY_BYTES = 100'000;
+    Pair pair = connectedPair();
+    queueReply(pair.service.get(), std::string(BODY_BYTES, ' '));
+    std::jthread([this] {
+        refuseSystemCall(SYS_sendto, ENOBUFS, BODY_BYTES);
+        Peer::sendNextReply(net);
+    }).join();
+    EXPECT_EQ(pair.client.receive(37), frame(SYNC, "00 01 86 A0", ""));
+    char byte = 0;
+    EXPECT_EQ(recv(pair.service.get(), &byte, 1, MSG_DONTWAIT), 0);
+    EXPECT_EQ(output.err(),
+              "Error during send response for socket: " + std::to_string(pair.service.get()) +
+                  "\nNo buffer space available: No buffer space available\n");
+}
+
+TEST_F(NetCommunicatorTest, ReplyThatFailsBeforeItsFirstByteLeavesTheConnectionOpen) {
+    static constexpr unsigned FRAME_BYTES = 38;
+    Pair pair = connectedPair();
+    queueReply(pair.service.get(), "{}");
+    queueReply(pair.service.get(), "[1]");
+    std::jthread([this] {
+        refuseSystemCall(SYS_sendto, ENOBUFS, FRAME_BYTES);
+        Peer::sendNextReply(net);
+    }).join();
+    Peer::sendNextReply(net);
+    EXPECT_EQ(pair.client.receive(39), frame(SYNC, "00 00 00 03", "[1]"));
+}
+
 TEST_F(NetCommunicatorTest, RepliesGoOutInTheirOrderWhoeverTheyAreFor) {
     Pair one = connectedPair();
     Pair other = connectedPair();
@@ -331,14 +361,12 @@ TEST_F(NetCommunicatorTest, ReplyThatThereIsNoMemoryForIsLostAndTheNextGoesOut) 
 
 TEST_F(NetCommunicatorTest, SocketListensAsTheServiceNeedsIt) {
     EXPECT_TRUE(isListening(CLIENT_PORT));
-    const auto option = [this](int name, int level = SOL_SOCKET) {
+    const auto option = [this](int name) {
         int value = 0;
         socklen_t size = sizeof value;
-        EXPECT_EQ(getsockopt(Peer::serverSocket(net), level, name, &value, &size), 0);
+        EXPECT_EQ(getsockopt(Peer::serverSocket(net), SOL_SOCKET, name, &value, &size), 0);
         return value;
     };
-    // Connections inherit it: small replies must not wait for the client's acknowledgements.
-    EXPECT_EQ(option(TCP_NODELAY, IPPROTO_TCP), 1);
     EXPECT_EQ(option(SO_REUSEPORT), 1);
     EXPECT_EQ(option(SO_ACCEPTCONN), 1);
     // The kernel grants at most its own limit, and doubles it.
@@ -389,8 +417,11 @@ class AcceptingNetCommunicatorTest : public NetCommunicatorTest {
 protected:
     AcceptingNetCommunicatorTest() { Peer::startServerThread(net); }
 
-    /// Readers are detached: none may be left when the server goes.
+    /// Ends the server thread, which the server waits for. Readers are detached: none may be left
+    /// when the server goes.
     void TearDown() override {
+        Peer::stop(net);
+        shutdown(Peer::serverSocket(net), SHUT_RDWR);
         EXPECT_TRUE(eventually([this] { return openDescriptors() <= _descriptorsAtStart; }));
     }
 
@@ -418,6 +449,25 @@ TEST_F(AcceptingNetCommunicatorTest, EachClientHasAReader) {
     EXPECT_EQ(fromSecond->_data, "[2]");
     EXPECT_EQ(fromFirst->_data, "[1]");
     EXPECT_NE(fromFirst->_socket, fromSecond->_socket);
+}
+
+TEST_F(AcceptingNetCommunicatorTest,
+       ConnectionsAreKeptAliveForFourMinutesBehindAClientThatHasVanished) {
+    FrameClient client;
+    client.sendFrame("[1]");
+    const int socket = nextRequest()->_socket;
+    const auto option = [socket](int level, int name) {
+        int value = 0;
+        socklen_t size = sizeof value;
+        EXPECT_EQ(getsockopt(socket, level, name, &value, &size), 0);
+        return value;
+    };
+    EXPECT_EQ(option(SOL_SOCKET, SO_KEEPALIVE), 1);
+    EXPECT_EQ(option(IPPROTO_TCP, TCP_KEEPIDLE) +
+                  option(IPPROTO_TCP, TCP_KEEPCNT) * option(IPPROTO_TCP, TCP_KEEPINTVL),
+              240);
+    // Small replies must not wait for the client's acknowledgements.
+    EXPECT_EQ(option(IPPROTO_TCP, TCP_NODELAY), 1);
 }
 
 TEST_F(AcceptingNetCommunicatorTest, ClientThatLeavesInAHeaderDisturbsNobody) {
@@ -520,28 +570,36 @@ TEST(NetCommunicatorEndTest, PortThatIsClosedAlreadyIsReported) {
     EXPECT_EQ(output.err(), "Bad file descriptor: Bad file descriptor\n");
 }
 
-TEST(NetCommunicatorEndTest, DestructionEndsTheServerThreadAndClosesThePort) {
+TEST(NetCommunicatorEndTest, DestructionWaitsForTheServerThreadAndClosesThePort) {
     const OutputCapture output;
-    {
-        NetCommunicator net;
-        Peer::startServerThread(net);
-        EXPECT_TRUE(isListening(CLIENT_PORT));
-    }
+    auto owner = std::make_unique<NetCommunicator>();
+    NetCommunicator& net = *owner;
+    Peer::startServerThread(net);
+    auto destruction = std::async(std::launch::async, [&] { owner.reset(); });
+    EXPECT_EQ(destruction.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    EXPECT_TRUE(isListening(CLIENT_PORT));
+    Peer::stop(net);
+    shutdown(Peer::serverSocket(net), SHUT_RDWR);
+    EXPECT_EQ(destruction.wait_for(PATIENCE), std::future_status::ready);
     EXPECT_FALSE(isListening(CLIENT_PORT));
 }
 
-/// Expects that a server cannot be constructed where the kernel refuses a system call with EPERM.
+/// Expects that a server cannot be constructed, and leaves nothing open, where the kernel refuses a
+/// system call with EPERM.
 void expectFailureWithout(unsigned systemCall, std::optional<unsigned> thirdArgument,
                           const std::string& text) {
     OwnProcess process([&]() -> int {
+        // Components that need descriptors are there before.
+        const auto components = PacketsHandler::getInstance();
+        const std::size_t before = openDescriptors();
         refuseSystemCall(systemCall, EPERM, thirdArgument);
         try {
             const NetCommunicator net;
         } catch (const std::runtime_error& failure) {
             std::cout << failure.what() << std::endl;
         }
-        // Not the worker's lines at the end of the process.
-        endAtOnce(EXIT_SUCCESS);
+        // The worker still waits for a request.
+        endAtOnce(openDescriptors() == before ? EXIT_SUCCESS : EXIT_FAILURE);
     });
     EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
     EXPECT_EQ(process.out(), text + '\n');

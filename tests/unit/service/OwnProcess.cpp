@@ -42,6 +42,9 @@ pid_t OwnProcess::_start(const std::function<int()>& body) const {
     if (pid == 0) {
         dup2(_out.descriptor(), STDOUT_FILENO);
         dup2(_err.descriptor(), STDERR_FILENO);
+        if (__gcov_dump != nullptr) {
+            std::at_quick_exit(__gcov_dump);
+        }
         std::exit(body());
     }
     return pid;

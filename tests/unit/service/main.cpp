@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "tests/support/Sandbox.h"
+#include "tests/unit/service/peers/PacketsHandlerTestPeer.h"
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizers' own name; null without them
 extern "C" [[gnu::weak]] void __sanitizer_set_report_fd(void* descriptor);
@@ -41,7 +42,11 @@ int main(int argc, char** argv) {
     keepSanitizerReportsVisible();
     try {
         const Sandbox sandbox({PROJECT_SOURCE_DIRECTORY, PROJECT_BUILD_DIRECTORY});
-        sandbox.run([] { return RUN_ALL_TESTS(); });
+        sandbox.run([] {
+            const int status = RUN_ALL_TESTS();
+            reticled::PacketsHandlerTestPeer::stopWorker();
+            return status;
+        });
     } catch (const std::exception& failure) {
         std::cerr << "FAILED: no private namespaces for the tests: " << failure.what() << std::endl;
         return EXIT_FAILURE;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -85,6 +86,26 @@ handleJsReq, response: {
 )");
     ASSERT_EQ(records.size(), 1U);
     expectRecord(records[0], Kind::RTOS_ANSWER, 5, "5");
+}
+
+TEST(LogReader, refusesTextsThatWereCut) {
+    for (const char* log : {"handleJsReq, response: {\n\t\"res ... (43 bytes)\n",
+                            "total cnt = 32\nhandleJsReq, response:  ... (43 bytes)\n"}) {
+        try {
+            static_cast<void>(recordsOf(log));
+            ADD_FAILURE() << log;
+        } catch (const std::runtime_error& failure) {
+            EXPECT_STREQ(failure.what(),
+                         "line 2 is cut: a session needs a log written without --log-bytes");
+        }
+    }
+}
+
+TEST(LogReader, takesTextsForWholeThatOnlyLookCut) {
+    EXPECT_EQ(recordsOf("send_and_get: recv json: [\" ... (29 bytes)\"]\n"
+                        "_handlerRoutine, exception: ... (x bytes)\n")
+                  .size(),
+              2U);
 }
 
 TEST(LogReader, readsJournals) {
