@@ -15,6 +15,11 @@ install(
     FILES packaging/systemd-preset/90-reticled.preset
     DESTINATION ${SYSTEMD_DIRECTORY}/systemd/system-preset
     COMPONENT service)
+# Where the unit looks for it, whatever the architecture.
+install(
+    PROGRAMS packaging/systemd/health-check
+    DESTINATION lib/reticled
+    COMPONENT service)
 install(
     FILES packaging/sysusers.d/reticled.conf
     DESTINATION ${SYSTEMD_DIRECTORY}/sysusers.d
