@@ -30,7 +30,7 @@ std::string inSeconds(std::chrono::milliseconds time) {
     return text.str();
 }
 
-/// \returns false when the deadline has passed, even for a peer that always has something to say.
+/// \return false when the deadline has passed, even for a peer that always has something to say.
 /// \throws Cancelled.
 bool isReady(int socket, short events, const Deadline& deadline) {
     while (const int leftMs = deadline.leftMs()) {
@@ -64,7 +64,7 @@ Addresses lookUp(const std::string& host, std::uint16_t port, const std::string&
     return {found, &::freeaddrinfo};
 }
 
-/// \returns 0 or the errno value of the failure.
+/// \return 0 or the errno value of the failure.
 int connectTo(const addrinfo& address, const Socket& socket, const Deadline& deadline) {
     if (!socket.isOpen()) {
         return errno;

@@ -27,7 +27,7 @@ public:
     void send(std::string_view bytes, const Deadline& deadline, const SentListener& listener = {});
 
     /// Waits for bytes and appends what has come, at most `atMost`, to `text`.
-    /// \returns how many there were, 0 when the peer has closed or reset the connection.
+    /// \return how many there were, 0 when the peer has closed or reset the connection.
     /// \throws NoReply when none come in time.
     [[nodiscard]] std::size_t receive(std::string& text, std::size_t atMost,
                                       const Deadline& deadline);

@@ -143,8 +143,7 @@ void NetCommunicator::_openServerSocket() {
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_ANY);
     address.sin_port = htons(SERVER_PORT);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface asks for
-    // it
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the interface asks for it
     if (bind(_serverSocket, reinterpret_cast<const sockaddr*>(&address), sizeof address) < 0) {
         failSetup(_serverSocket, "Cannot bind server socker to PORT 3451");
     }

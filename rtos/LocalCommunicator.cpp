@@ -77,8 +77,7 @@ void LocalCommunicator::_connectOnce() {
     if (_isConnected) {
         return;
     }
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface asks for
-    // it
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the interface asks for it
     const auto* address = reinterpret_cast<const sockaddr*>(&_serverAddr);
     if (connect(_socket, address, sizeof _serverAddr) < 0) {
         logSystemError(errno);

@@ -47,8 +47,7 @@ int listenOn(int port) {
     setOption(listener, SOL_SOCKET, SO_RCVBUF, RECEIVE_BUFFER_BYTES);
     setOption(listener, IPPROTO_TCP, TCP_NODELAY, 1);
     const sockaddr_in address = addressOf(INADDR_ANY, port);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface asks for
-    // it
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the interface asks for it
     check(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address), "bind");
     check(listen(listener, BACKLOG), "listen");
     return listener;
@@ -61,8 +60,7 @@ int acceptFrom(int listener) {
 int tryConnect(int port) {
     const int connection = check(socket(AF_INET, SOCK_STREAM, 0), "socket");
     const sockaddr_in address = addressOf(INADDR_LOOPBACK, port);
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the sockets interface asks for
-    // it
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the interface asks for it
     if (connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
         setOption(connection, IPPROTO_TCP, TCP_NODELAY, 1);
         return connection;

@@ -13,8 +13,8 @@ namespace reticle {
 ///
 /// The data is searched as plain text: an attribute in a comment counts, a CSS rule does not.
 /// Any thread. Takes time linear in the data's length.
-/// \returns the value as it stands, of any content and length; nothing when there is none, as in
-///          data that is not SVG.
+/// \return the value as it stands, of any content and length; nothing when there is none, as in
+///         data that is not SVG.
 [[nodiscard]] std::optional<std::string> userColor(std::string_view data);
 
 /// Whether data that is to be stored will be shown in the user's colour: whether it holds

@@ -10,11 +10,11 @@ namespace reticlectl {
 
 /// Tells the user of a run that failed: people on standard error, with --json programs on standard
 /// output, too. \param problem any text.
-/// \returns `status`.
+/// \return `status`.
 ExitStatus report(const std::string& problem, ExitStatus status, const Session& session);
 
 /// The same for a command that ended by an exception: Failure, PartialChange or
-/// reticle::ClientError; others pass through. \returns what the program ends with.
+/// reticle::ClientError; others pass through. \return what the program ends with.
 ExitStatus report(const std::exception_ptr& failure, const Session& session);
 
 }  // namespace reticlectl

@@ -22,7 +22,7 @@ public:
     /// Sends bytes as they are. Does not mind a client that is gone.
     void send(std::string_view bytes);
 
-    /// \returns whether the client has closed (or sent something) within `timeoutMs`.
+    /// \return whether the client has closed (or sent something) within `timeoutMs`.
     [[nodiscard]] bool hasClosed(int timeoutMs) const;
 
     /// Returns when the client has closed.

@@ -7,7 +7,7 @@
 namespace reticlectl {
 
 /// Accepts decimal numbers of a range alone: by itself the parser also takes "true" for 1 and "010"
-/// for 8. \returns what is wrong with `text`, nothing when it is one.
+/// for 8. \return what is wrong with `text`, nothing when it is one.
 [[nodiscard]] std::string checkNumber(const std::string& text, int smallest, int largest);
 
 [[nodiscard]] std::string checkIndex(const std::string& text);
@@ -23,7 +23,7 @@ void addIndexArgument(CLI::App& command, Value& value) {
 }
 
 /// Accepts a length of time as the options take it: seconds, fractions allowed.
-/// \returns what is wrong with `text`, nothing when it is one.
+/// \return what is wrong with `text`, nothing when it is one.
 [[nodiscard]] std::string checkSeconds(const std::string& text);
 
 /// The seconds as a person writes them: 2, 0.5.

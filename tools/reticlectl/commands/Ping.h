@@ -21,7 +21,7 @@ public:
     Ping(const Session& session, std::size_t count, double intervalSeconds)
         : _session(session), _count(count), _intervalSeconds(intervalSeconds) {}
 
-    /// Prints each answer, and the statistics at the end or at Ctrl-C. \returns DONE when there was
+    /// Prints each answer, and the statistics at the end or at Ctrl-C. \return DONE when there was
     /// an answer, a refusal by the device included, else why the last request had none.
     [[nodiscard]] ExitStatus run();
 

@@ -11,7 +11,7 @@ constexpr std::size_t SWATCH_COLUMNS = 2;
 
 /// A patch of the colour, as 24-bit terminal colour.
 /// \param color "#RRGGBB", "#RGB" or one of the sixteen basic colour names of the web, in any case.
-/// \returns nothing for any other text.
+/// \return nothing for any other text.
 [[nodiscard]] std::optional<std::string> swatch(std::string_view color);
 
 }  // namespace reticlectl

@@ -17,7 +17,7 @@ std::size_t totalWidth(const Widths& widths, std::size_t gap) {
     return total;
 }
 
-/// Leaves out the column of the highest rank. \returns false when there is but one.
+/// Leaves out the column of the highest rank. \return false when there is but one.
 bool leaveOneOut(Widths& widths, const Columns& columns) {
     std::size_t last = columns.size();
     std::size_t count = 0;

@@ -18,7 +18,7 @@ public:
     /// Readable from Ctrl-C on.
     [[nodiscard]] int descriptor() const { return _descriptor; }
 
-    /// Waits for Ctrl-C. \returns whether it was pressed, before or within `time`.
+    /// Waits for Ctrl-C. \return whether it was pressed, before or within `time`.
     [[nodiscard]] bool waitFor(std::chrono::nanoseconds time) const;
 
 private:
