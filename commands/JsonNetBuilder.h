@@ -31,7 +31,7 @@ public:
     /// Entries that cannot be used are left out; problems are written to std::cerr. With no usable
     /// entry "reticles" is null, not an empty array, on purpose.
     /// \param answer JSON or empty.
-    /// \throws Json::Exception on nesting that the parser refuses.
+    /// \throws Json::Exception on nesting that the parser refuses; std::bad_alloc.
     void fillReticles(const std::string& answer);
 
     /// Ends the building.
@@ -44,6 +44,7 @@ private:
     friend struct JsonNetBuilderTestPeer;
 
     // Implemented in reticles/, which knows the shared storage.
+    [[nodiscard]] static Json::Value _makeRecords(const std::string& answer);
     [[nodiscard]] static std::string _getReticlesList(const std::string& answer);
     [[nodiscard]] static std::optional<Json::Value> _makeRecord(Json::Value& entry);
     [[nodiscard]] static std::string _getReticleData(const std::string& fileName,

@@ -1,5 +1,7 @@
 #include "commands/JsonRtosBuilder.h"
 
+#include <utility>
+
 #include "processing/JsonText.h"
 
 namespace reticled {
@@ -19,10 +21,11 @@ std::string JsonRtosBuilder::_requestText(const Json::Value& message) {
     return writeJson(request);
 }
 
-std::vector<std::string> JsonRtosBuilder::_requestTexts(const std::vector<Json::Value>& messages) {
+std::vector<std::string> JsonRtosBuilder::_requestTexts(std::vector<Json::Value>&& messages) {
+    const std::vector<Json::Value> taken = std::move(messages);
     std::vector<std::string> texts;
-    texts.reserve(messages.size());
-    for (const Json::Value& message : messages) {
+    texts.reserve(taken.size());
+    for (const Json::Value& message : taken) {
         texts.push_back(_requestText(message));
     }
     return texts;

@@ -37,9 +37,9 @@ protected:
     /// The request text for `message`.
     [[nodiscard]] static std::string _requestText(const Json::Value& message);
 
-    /// One request text per message, in order.
+    /// One request text per message, in order. Takes the messages, so that they are not kept.
     [[nodiscard]] static std::vector<std::string> _requestTexts(
-        const std::vector<Json::Value>& messages);
+        std::vector<Json::Value>&& messages);
 
     Json::Value _request;  ///< the message of a command that has one
 

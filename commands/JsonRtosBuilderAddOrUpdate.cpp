@@ -1,6 +1,7 @@
 #include "commands/JsonRtosBuilderAddOrUpdate.h"
 
 #include <iostream>
+#include <utility>
 
 #include "base/Log.h"
 #include "base/LoggedJson.h"
@@ -30,13 +31,16 @@ void JsonRtosBuilderAddOrUpdate::build(const std::string& request) {
     const std::vector<ReticleRecord> records = JsonRetriever::getReticleRecords(request, RETICLES);
     // Intended: written for every request, also when it has records.
     logLine(std::cout, "build", "indices is empty ");
+    std::vector<Json::Value> messages;
     for (const ReticleRecord& record : records) {
-        _requests.push_back(_makeMessage(record));
+        messages.push_back(_makeMessage(record));
     }
+    // Only now: half the messages of a command that fails would stay until the next one.
+    _requests = std::move(messages);
 }
 
-std::vector<std::string> JsonRtosBuilderAddOrUpdate::getRequests() const {
-    return _requestTexts(_requests);
+std::vector<std::string> JsonRtosBuilderAddOrUpdate::getRequests() {
+    return _requestTexts(std::move(_requests));
 }
 
 Json::Value JsonRtosBuilderAddOrUpdate::_makeMessage(const ReticleRecord& record) {

@@ -28,7 +28,8 @@ public:
     /// read are left out; without any, no message is built.
     void build(const std::string& request);
 
-    [[nodiscard]] std::vector<std::string> getRequests() const;
+    /// Gives up the messages, which may be many, so call it once.
+    [[nodiscard]] std::vector<std::string> getRequests();
 
     /// Removes the data files on record, those of earlier failed commands too. Call it when the
     /// RTOS has answered for the last time.

@@ -22,16 +22,19 @@ void JsonRtosBuilderDelete::build(const std::string& request) {
         logLine(std::cout, "build", "indices is empty ");
         return;
     }
+    std::vector<Json::Value> messages;
     for (const int index : indices) {
         Json::Value message;
         message[JsonRetriever::keyName(MSG_ID)] = RTOS_DELETE_RETICLE;
         message[JsonRetriever::keyName(PARAM)] = index;
-        _requests.push_back(std::move(message));
+        messages.push_back(std::move(message));
     }
+    // Only now: half the messages of a command that fails would stay until the next one.
+    _requests = std::move(messages);
 }
 
-std::vector<std::string> JsonRtosBuilderDelete::getRequests() const {
-    return _requestTexts(_requests);
+std::vector<std::string> JsonRtosBuilderDelete::getRequests() {
+    return _requestTexts(std::move(_requests));
 }
 
 }  // namespace reticled

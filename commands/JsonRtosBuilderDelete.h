@@ -16,7 +16,8 @@ public:
     /// that are no integers are left out; without any, no message is built.
     void build(const std::string& request);
 
-    [[nodiscard]] std::vector<std::string> getRequests() const;
+    /// Gives up the messages, which may be many, so call it once.
+    [[nodiscard]] std::vector<std::string> getRequests();
 
 private:
     std::vector<Json::Value> _requests;

@@ -11,6 +11,7 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "base/FreeMemory.h"
 #include "base/Log.h"
 #include "base/LoggedJson.h"
 #include "net/FrameSender.h"
@@ -212,9 +213,15 @@ bool NetCommunicator::_receiveRequest(int socket) {
         logText(std::cerr, "Failed to retrieve packet length\n");
         return true;
     }
+    // In this order: at the end the body goes first, then free memory, and only then is it the next reader's turn.
+    std::unique_lock turn(_largeBodyTurn, std::defer_lock);
+    const FreeMemoryReturn freeMemoryReturn(static_cast<std::size_t>(length));
     std::optional<std::string> body = receiveBody(socket, length);
     if (!body) {
         return false;
+    }
+    if (body->size() >= LARGE_TEXT_BYTES) {
+        turn.lock();
     }
     if (!isJsonUpToZeroByte(*body)) {
         logText(std::cerr, "Error: received packet isn't json\n");

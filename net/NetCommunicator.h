@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -60,6 +61,8 @@ private:
     void _sendNextReply();
 
     int _serverSocket = -1;
+    std::mutex
+        _largeBodyTurn;  ///< held by the reader that parses a large body: one at a time, for the memory it takes
     std::atomic<bool> _isStopped{false};
     std::shared_ptr<std::thread> _serverThread;
     std::shared_ptr<JsonRetriever> _jsonRetriever;  ///< held so that it outlives its users

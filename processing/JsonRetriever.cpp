@@ -55,7 +55,7 @@ bool parseLeniently(const std::string& text, Json::Value& root) {
     bool readable = false;
     try {
         readable = parseJson(text, Comments::SKIP, root) && !root.empty();
-    } catch (const std::exception&) {
+    } catch (const Json::Exception&) {
         readable = false;
     }
     if (!readable) {
@@ -79,7 +79,7 @@ void forEachListEntry(const std::string& text, const JsonKey& key, const Use& us
     for (Json::Value& entry : root[jsonKeys[key]]) {
         try {
             use(entry);
-        } catch (const std::exception&) {
+        } catch (const JsonTypeError&) {
             logText(std::cerr, WRONG_KEY_MESSAGE);
         }
     }
@@ -117,7 +117,7 @@ bool JsonRetriever::isJson(const std::string& text) {
     try {
         Json::Value root;
         return parseJson(text, Comments::SKIP, root);
-    } catch (const std::exception& error) {
+    } catch (const Json::Exception& error) {
         logLine(std::cerr, error.what());
         return false;
     }
@@ -151,7 +151,7 @@ T JsonRetriever::getVal(const std::string& text, const JsonKey& key) {
         try {
             convert(entry[jsonKeys[key]], result);
             logLine(std::cerr, "json value: ", result);
-        } catch (const std::exception&) {
+        } catch (const JsonTypeError&) {
             logText(std::cerr, WRONG_KEY_MESSAGE);
         }
     }

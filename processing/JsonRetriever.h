@@ -31,7 +31,7 @@ struct ReticleRecord {
 class JsonRetriever : public SingleInstance<JsonRetriever> {
 public:
     /// Whether `text` is JSON; comments are allowed. What the parser throws is written to std::cerr
-    /// and counts as no.
+    /// and counts as no; a lack of memory says nothing about the text and is thrown.
     [[nodiscard]] static bool isJson(const std::string& text);
 
     /// The integer under `key` of the object `text`; 0 when it is missing or null.

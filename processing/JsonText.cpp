@@ -2,6 +2,8 @@
 
 #include <json/reader.h>
 
+#include <new>
+
 #include "processing/JsonWriter.h"
 
 namespace reticled {
@@ -13,8 +15,16 @@ bool parseJson(std::string_view text, Comments comments, Json::Value& root) {
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
     Json::Reader reader;
 #pragma GCC diagnostic pop
-    return reader.parse(text.data(), text.data() + text.size(), root,
-                        comments == Comments::COLLECT);
+    try {
+        return reader.parse(text.data(), text.data() + text.size(), root,
+                            comments == Comments::COLLECT);
+    } catch (const Json::RuntimeError& error) {
+        // The library tells in words alone that there is no memory for a string.
+        if (std::string_view(error.what()).find("Failed to allocate") != std::string_view::npos) {
+            throw std::bad_alloc();
+        }
+        throw;
+    }
 }
 
 std::string writeJson(const Json::Value& value) {

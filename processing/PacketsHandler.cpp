@@ -3,6 +3,7 @@
 #include <iostream>
 #include <string>
 
+#include "base/FreeMemory.h"
 #include "base/Log.h"
 #include "base/LoggedJson.h"
 
@@ -38,6 +39,7 @@ void PacketsHandler::_handlerRoutine() {
 
 void PacketsHandler::_handleNextPacket() {
     const std::shared_ptr<Packet> packet = _packetStorage->pop(REQUEST_QUEUE);
+    const FreeMemoryReturn freeMemoryReturn(packet->_data.size());
     logLine(std::cout, "PacketsHandler::_handlerRoutine, json req: ", LoggedJson(packet->_data));
     const std::shared_ptr<JsonHandler> handler = _handlerDirector->getHandler(packet->_data);
     // Intended: an action that nobody handles gives an empty pointer, and the call through it ends

@@ -19,7 +19,8 @@ Json::Value findReticleEntries(Json::Value& root) {
     for (Json::Value& candidate : root) {
         try {
             entries = std::move(candidate[JsonRetriever::keyName(RETICLES)]);
-        } catch (...) {  // NOLINT(bugprone-empty-catch): no object, so it has no say
+        } catch (
+            const JsonTypeError&) {  // NOLINT(bugprone-empty-catch): no object, so it has no say
         }
     }
     return entries;
@@ -37,35 +38,38 @@ std::string JsonNetBuilder::_getReticlesList(const std::string& answer) {
     for (Json::Value& entry : root) {
         try {
             listName = entry[JsonRetriever::keyName(PARAM)].asCString();
-        } catch (...) {  // NOLINT(bugprone-empty-catch): names no file, so an earlier name holds
+        } catch (
+            const JsonTypeError&) {  // NOLINT(bugprone-empty-catch): names no file, so an earlier name holds
         }
     }
     return std::string(readStorageFile(FLASH_ROOT + listName).text());
 }
 
 void JsonNetBuilder::fillReticles(const std::string& answer) {
-    Json::Value& reticles = _response[JsonRetriever::keyName(RETICLES)];
-    reticles = Json::Value();
-    if (answer.empty()) {
-        return;
-    }
+    _response[JsonRetriever::keyName(RETICLES)] =
+        answer.empty() ? Json::Value() : _makeRecords(answer);
+}
+
+Json::Value JsonNetBuilder::_makeRecords(const std::string& answer) {
+    Json::Value records;
     Json::Value root;
     // An "index" is copied into the reply as it stands, comments included.
     parseJson(_getReticlesList(answer), Comments::COLLECT, root);
     if (root.empty()) {
         logText(std::cerr, "Error: json str is wrong, can't be deserialized\n");
-        return;
+        return records;
     }
     Json::Value entries = findReticleEntries(root);
     for (Json::Value& entry : entries) {
         try {
             if (auto record = _makeRecord(entry)) {
-                reticles.append(*std::move(record));
+                records.append(*std::move(record));
             }
-        } catch (const std::exception&) {
+        } catch (const JsonTypeError&) {
             logText(std::cerr, "Wrong json key\n");
         }
     }
+    return records;
 }
 
 std::optional<Json::Value> JsonNetBuilder::_makeRecord(Json::Value& entry) {

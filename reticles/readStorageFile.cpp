@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 namespace reticled {
 namespace {
@@ -13,11 +14,22 @@ namespace {
 /// For files that do not know their size, as those of the kernel: room to start with.
 constexpr std::size_t UNKNOWN_SIZE_BYTES = 65536;
 
+/// Where memory was short, a failure says nothing about the file.
+void throwForLackOfMemory() {
+    if (errno == ENOMEM) {
+        throw std::bad_alloc();
+    }
+}
+
 class OpenFile {
 public:
     explicit OpenFile(const std::string& path)
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): open is what it is
-        : _descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+        : _descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+        if (_descriptor < 0) {
+            throwForLackOfMemory();
+        }
+    }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
     ~OpenFile() {
@@ -42,6 +54,9 @@ public:
         do {
             count = ::read(_descriptor, place, most);
         } while (count < 0 && errno == EINTR);
+        if (count < 0) {
+            throwForLackOfMemory();
+        }
         return count;
     }
 

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "base/FreeMemory.h"
 #include "base/Log.h"
 #include "net/NetCommunicator.h"
 
@@ -16,7 +17,6 @@ namespace {
 // not, since getting pages costs more than the work on them. Left to itself, the allocator keeps the
 // memory of the largest requests for good, and in every reader thread's arena.
 constexpr int RETURNED_BLOCK_BYTES = 4 * 1024 * 1024;
-constexpr int KEPT_FREE_BYTES = 4 * 1024 * 1024;
 constexpr int ARENAS = 2;
 
 void configureAllocator() {

@@ -156,4 +156,20 @@ TEST_F(FailingCallsTest, ShortReadsOfTheStorageLoseNothing) {
     EXPECT_EQ(replyToList(), exchanges::ONE_DOT_REPLY);
 }
 
+TEST_F(FailingCallsTest, StorageForWhichThereIsNoMemoryCostsTheReply) {
+    writeOneDot();
+    for (const char* call : {"posix/io/oc/open", "posix/io/rw/read"}) {
+        ForegroundService service(underFaults());
+        service.waitUntilListening();
+        FrameClient client;
+        client.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.receiveRequest(), LIST_REQUEST);
+        failNext(service, call, ENOMEM);
+        rtos.answer(exchanges::LIST_ANSWER);
+        EXPECT_TRUE(service.hasError("_handlerRoutine, exception: std::bad_alloc\n")) << call;
+        EXPECT_TRUE(client.connection().isQuiet());
+        rtos.link().close();
+    }
+}
+
 }  // namespace

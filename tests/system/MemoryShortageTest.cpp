@@ -2,8 +2,11 @@
 #include <sys/resource.h>
 
 #include <string>
+#include <string_view>
 
 #include "tests/support/FrameClient.h"
+#include "tests/support/Patience.h"
+#include "tests/support/Text.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/ForegroundTest.h"
 
@@ -15,6 +18,7 @@ using exchanges::LIST_ANSWER;
 using exchanges::LIST_REQUEST;
 
 constexpr std::size_t LONGEST_BODY_BYTES = 4194303;
+constexpr rlim_t STEP_BYTES = 1500000;
 constexpr rlim_t LESS_THAN_A_BODY_BYTES = 2000000;
 constexpr rlim_t MORE_THAN_A_THREAD_BYTES = 64000000;
 
@@ -69,14 +73,15 @@ TEST_F(MemoryShortageTest, ClientForWhoseThreadThereIsNoMemoryLosesItsConnection
     expectServed(after, rtos);
 }
 
-TEST_F(MemoryShortageTest, EndlessDeviceAsReticleFileIsLeftOut) {
-    flash.write("reticle/dot.svg", exchanges::DOT);
-    flash.write("list.json", R"([{"reticles":[
-{"index":2,"name":"Zeros","data":"../../../dev/zero","userColor":"red"},
-{"index":1,"name":"Dot","data":"dot.svg","userColor":"red","isDeletable":1,"isActive":0}]}])");
+TEST_F(MemoryShortageTest, EndlessDeviceAsReticleFileCostsTheReply) {
+    flash.write(
+        "list.json",
+        R"([{"reticles":[{"name":"Zeros","data":"../../../dev/zero","userColor":"red"}]}])");
     leaveOnly(MORE_THAN_A_THREAD_BYTES);
-    EXPECT_EQ(replyToList(), exchanges::ONE_DOT_REPLY);
-    EXPECT_TRUE(service.hasError("Wrong json key\n"));
+    client.sendFrame(GET_ALL);
+    EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
+    EXPECT_TRUE(service.hasError("_handlerRoutine, exception: std::bad_alloc\n"));
+    EXPECT_TRUE(client.connection().isQuiet());
     EXPECT_EQ(listAfterShortage(), exchanges::ONE_DOT_REPLY);
 }
 
@@ -87,6 +92,63 @@ TEST_F(MemoryShortageTest, EndlessDeviceAsListFileCostsTheReply) {
     EXPECT_TRUE(service.hasError("_handlerRoutine, exception: std::bad_alloc\n"));
     EXPECT_TRUE(client.connection().isQuiet());
     EXPECT_EQ(listAfterShortage(), exchanges::ONE_DOT_REPLY);
+}
+
+// However much memory there is: in the least of it not even the file can be read, in the most all can be done.
+TEST_F(MemoryShortageTest, ListIsWholeOrNotSent) {
+    constexpr std::size_t RETICLE_BYTES = 3000000;
+    const std::string text(RETICLE_BYTES, 'x');
+    flash.write("list.json", exchanges::ONE_DOT_LIST);
+    flash.write("reticle/dot.svg", text);
+    std::string whole(exchanges::ONE_DOT_REPLY);
+    constexpr std::string_view DOT_IN_REPLY = R"(<circle fill=\"red\"/>)";
+    whole.replace(whole.find(DOT_IN_REPLY), DOT_IN_REPLY.size(), text);
+    int sent = 0;
+    int failed = 0;
+    for (rlim_t bytes = STEP_BYTES; sent < 2; bytes += STEP_BYTES) {
+        leaveOnly(bytes);
+        client.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
+        // The next request reaches the RTOS when the worker is done with this one.
+        client.sendFrame(GET_ALL);
+        EXPECT_EQ(rtos.receiveRequest(), LIST_REQUEST);
+        leaveEverything();
+        rtos.answer(exchanges::FULL);
+        std::string reply = client.readReply();
+        if (reply != exchanges::FULL_REPLY) {
+            EXPECT_TRUE(reply == whole) << reply.size() << " bytes, " << bytes << " free";
+            reply = client.readReply();
+            ++sent;
+        } else {
+            ++failed;
+        }
+        EXPECT_EQ(reply, exchanges::FULL_REPLY);
+    }
+    EXPECT_GT(failed, 2);
+    EXPECT_TRUE(service.hasError("_handlerRoutine, exception: ", static_cast<std::size_t>(failed)));
+    EXPECT_EQ(service.errors().find("Wrong json key"), std::string::npos);
+}
+
+TEST_F(MemoryShortageTest, DeletionIsNeverTakenForOneOfNothing) {
+    std::string request = R"({"action":"RETICLES_DELETE","indices":[1)";
+    request += repeated(",1", 50000) + "]}";
+    std::string rtosRequest;
+    for (rlim_t bytes = STEP_BYTES; rtosRequest.empty(); bytes += STEP_BYTES) {
+        FrameClient deleting;
+        expectServed(deleting, rtos);
+        const std::string errorsBefore = service.errors();
+        leaveOnly(bytes);
+        deleting.sendFrame(request);
+        EXPECT_TRUE(eventually(
+            [&] { return service.errors().size() > errorsBefore.size() || !rtos.isQuiet(); }));
+        leaveEverything();
+        if (!rtos.isQuiet()) {
+            rtosRequest = rtos.exchange(exchanges::FULL);
+        }
+    }
+    EXPECT_NE(rtosRequest.find("\"msg_id\" : 80"), std::string::npos) << rtosRequest;
+    EXPECT_EQ(service.errors().find("Wrong json key"), std::string::npos);
+    EXPECT_EQ(service.errors().find("Error: "), std::string::npos);
 }
 
 }  // namespace
