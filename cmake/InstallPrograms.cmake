@@ -17,7 +17,7 @@ install(
     COMPONENT service)
 # Where the unit looks for it, whatever the architecture.
 install(
-    PROGRAMS packaging/systemd/health-check
+    PROGRAMS packaging/health-check
     DESTINATION lib/reticled
     COMPONENT service)
 install(

@@ -25,7 +25,7 @@ protected:
     static std::vector<std::string> check() {
         const std::string path = std::filesystem::path(programs::RETICLECTL).parent_path();
         return {"env", "PATH=" + path + ":/usr/bin:/bin", "PING_TIMEOUT=1",
-                programs::SOURCE_DIRECTORY + "/packaging/systemd/health-check"};
+                programs::SOURCE_DIRECTORY + "/packaging/health-check"};
     }
 };
 
