@@ -47,7 +47,7 @@ std::map<int, std::string> resultNames{
 Json::Value member(const std::string& text, const JsonKey& key) {
     Json::Value root;
     parseJson(text, Comments::SKIP, root);
-    return std::move(root[jsonKeys[key]]);
+    return std::move(root[JsonRetriever::keyName(key)]);
 }
 
 /// Parses for the lenient getters; false, after a message, where there is nothing to read.
@@ -76,7 +76,7 @@ void forEachListEntry(const std::string& text, const JsonKey& key, const Use& us
         logText(std::cerr, WRONG_KEY_MESSAGE);
         return;
     }
-    for (Json::Value& entry : root[jsonKeys[key]]) {
+    for (Json::Value& entry : root[JsonRetriever::keyName(key)]) {
         try {
             use(entry);
         } catch (const JsonTypeError&) {
@@ -94,9 +94,9 @@ void convert(const Json::Value& value, std::string& result) {
 }
 
 ReticleRecord toRecord(Json::Value& entry) {
-    std::string name = entry[jsonKeys[NAME]].asCString();
-    std::string data = entry[jsonKeys[DATA]].asCString();
-    const Json::Value& index = entry[jsonKeys[INDEX]];
+    std::string name = entry[JsonRetriever::keyName(NAME)].asCString();
+    std::string data = entry[JsonRetriever::keyName(DATA)].asCString();
+    const Json::Value& index = entry[JsonRetriever::keyName(INDEX)];
     return {index.isNull() ? -1 : index.asInt(), std::move(name), std::move(data)};
 }
 
@@ -149,7 +149,7 @@ T JsonRetriever::getVal(const std::string& text, const JsonKey& key) {
     }
     for (Json::Value& entry : root) {
         try {
-            convert(entry[jsonKeys[key]], result);
+            convert(entry[keyName(key)], result);
             logLine(std::cerr, "json value: ", result);
         } catch (const JsonTypeError&) {
             logText(std::cerr, WRONG_KEY_MESSAGE);
