@@ -1,12 +1,9 @@
-#include "processing/JsonRetriever.h"
-
+// The part of JsonRetriever that takes values out of JSON texts.
 #include <iostream>
-#include <map>
-#include <numeric>
 #include <stdexcept>
 
 #include "base/Log.h"
-#include "processing/ActionNames.h"  // intended: this unit's copy of the table is read by nobody
+#include "processing/JsonRetriever.h"
 #include "processing/JsonText.h"
 
 namespace reticled {
@@ -15,32 +12,6 @@ namespace {
 constexpr auto UNPARSABLE_MESSAGE = "Error: json str is wrong, can't be deserialized\n";
 constexpr auto WRONG_KEY_MESSAGE = "Wrong json key\n";
 constexpr std::size_t USUAL_LIST_SIZE = 10;
-
-std::map<int, std::string> jsonKeys{
-    {ACTION, "action"},
-    {DATA, "data"},
-    {PARAM_GET, "param_get"},
-    {PARAM, "param"},
-    {INDEX, "index"},
-    {IS_ACTIVE, "isActive"},
-    {IS_DELETABLE, "isDeletable"},
-    {DATA, "data"},  // listed twice on purpose; the map keeps one
-    {NAME, "name"},
-    {MSG_ID, "msg_id"},
-    {RETICLES, "reticles"},
-    {RESULT, "result"},
-    {RET_VAL, "ret_val"},
-    {INDICES, "indices"},
-    {USER_COLOR, "userColor"},
-};
-
-std::map<int, std::string> resultNames{
-    {OK, "OK"},
-    {RETICLES_COUNT_OUT_OF_BOUNDS, "RETICLES_COUNT_OUT_OF_BOUNDS"},
-    {RETICLE_CANT_BE_DELETED, "RETICLE_CANT_BE_DELETED"},
-    {RETICLE_INDEX_NOT_FOUND, "RETICLE_INDEX_NOT_FOUND"},
-    {UNKNOWN_ACTION, "UNKNOWN_ACTION"},
-};
 
 /// The member of the object `text` that the strict getters convert. Whether the text parses is not
 /// looked at: what could be read of it decides.
@@ -98,17 +69,6 @@ ReticleRecord toRecord(Json::Value& entry) {
     std::string data = entry[JsonRetriever::keyName(DATA)].asCString();
     const Json::Value& index = entry[JsonRetriever::keyName(INDEX)];
     return {index.isNull() ? -1 : index.asInt(), std::move(name), std::move(data)};
-}
-
-/// Intended: a zero is taken for any sync byte but the last.
-bool isSync(const std::uint8_t* header) {
-    constexpr int last = FRAME_SYNC_SIZE - 1;
-    for (int i = 0; i < last; ++i) {
-        if (header[i] != i && header[i] != 0) {
-            return false;
-        }
-    }
-    return header[last] == last;
 }
 
 }  // namespace
@@ -175,45 +135,6 @@ std::vector<ReticleRecord> JsonRetriever::getReticleRecords(const std::string& t
     records.reserve(USUAL_LIST_SIZE);
     forEachListEntry(text, key, [&](Json::Value& entry) { records.push_back(toRecord(entry)); });
     return records;
-}
-
-std::string JsonRetriever::keyName(const JsonKey& key) {
-    return jsonKeys[key];
-}
-
-std::string JsonRetriever::resultName(const ResultCode& code) {
-    return resultNames[code];
-}
-
-int JsonRetriever::getPacketLength(const std::uint8_t* header) {
-    if (!isSync(header)) {
-        return 0;
-    }
-    std::uint32_t length = 0;
-    for (int i = FRAME_SYNC_SIZE; i < FRAME_HEADER_SIZE; ++i) {
-        length = length << 8U | header[i];
-    }
-    logLine(std::cout, "total cnt = ", FRAME_SYNC_SIZE);
-    logLine(std::cout, "json is true, length = ", length);
-    return static_cast<int>(length);
-}
-
-std::array<std::uint8_t, FRAME_HEADER_SIZE> JsonRetriever::buildNetHeader(std::size_t bodySize) {
-    std::array<std::uint8_t, FRAME_HEADER_SIZE> header{};
-    std::iota(header.begin(), header.begin() + FRAME_SYNC_SIZE, std::uint8_t{0});
-    for (std::size_t i = FRAME_HEADER_SIZE; i > FRAME_SYNC_SIZE; bodySize >>= 8U) {
-        header.at(--i) = static_cast<std::uint8_t>(bodySize);
-    }
-    return header;
-}
-
-std::vector<std::uint8_t> JsonRetriever::buildNetPacket(const std::string& body) {
-    const auto header = buildNetHeader(body.size());
-    std::vector<std::uint8_t> frame;
-    frame.reserve(header.size() + body.size());
-    frame.assign(header.begin(), header.end());
-    frame.insert(frame.end(), body.begin(), body.end());
-    return frame;
 }
 
 }  // namespace reticled
