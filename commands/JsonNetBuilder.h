@@ -43,10 +43,11 @@ public:
 private:
     friend struct JsonNetBuilderTestPeer;
 
-    // Implemented in reticles/, which knows the shared storage.
+    // With fillReticles in reticles/JsonNetBuilderList.cpp, as they know the shared storage.
     [[nodiscard]] static Json::Value _makeRecords(const std::string& answer);
     [[nodiscard]] static std::string _getReticlesList(const std::string& answer);
     [[nodiscard]] static std::optional<Json::Value> _makeRecord(Json::Value& entry);
+    // In reticles/JsonNetBuilderData.cpp.
     [[nodiscard]] static std::string _getReticleData(const std::string& fileName,
                                                      const std::string& userColor);
     [[nodiscard]] static std::string _applyUserColor(std::string_view text,

@@ -40,7 +40,7 @@ private:
 
     [[nodiscard]] Json::Value _makeMessage(const ReticleRecord& record);
 
-    // Implemented in reticles/, which knows the shared storage.
+    // With removeDataFiles in reticles/JsonRtosBuilderAddOrUpdateData.cpp, as they know the shared storage.
     /// Writes `data` to the next numbered file. A file that cannot be written is recorded and named
     /// all the same: the RTOS's answer tells. \return the file's path as the RTOS sees it.
     [[nodiscard]] std::string _saveReticleData(const std::string& data);

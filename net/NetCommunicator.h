@@ -65,7 +65,8 @@ private:
         _largeBodyTurn;  ///< held by the reader that parses a large body: one at a time, for the memory it takes
     std::atomic<bool> _isStopped{false};
     std::shared_ptr<std::thread> _serverThread;
-    std::shared_ptr<JsonRetriever> _jsonRetriever;  ///< held so that it outlives its users
+    /// Held as each component holds those that it asks for; its operations are static.
+    std::shared_ptr<JsonRetriever> _jsonRetriever;
     std::shared_ptr<PacketStorage> _packetStorage;
     std::shared_ptr<PacketsHandler> _packetsHandler;  ///< held so that the worker exists
     std::shared_ptr<std::thread> _responseThread;

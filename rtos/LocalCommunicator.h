@@ -60,7 +60,7 @@ private:
     void _receive();
 
     int _socket;
-    /// Held so that it outlives its users.
+    /// Held as each component holds those that it asks for; its operations are static.
     std::shared_ptr<JsonRetriever> _jsonRetriever = JsonRetriever::getInstance();
     // One byte more than the RTOS may send: a full answer is terminated too.
     std::array<char, RTOS_BUFFER_SIZE + 1> _buffer{};
