@@ -31,6 +31,9 @@ public:
     /// Calls of a service that still runs fail from now on.
     ~CallGate();
 
+    /// How many calls have been let through or answered; negative while one waits for that.
+    [[nodiscard]] long settledCalls() const;
+
     // For when nothing is counted any more:
     [[nodiscard]] const Counts& counts() const { return _counts; }
     [[nodiscard]] const std::set<long>& unknownCalls() const { return _unknownCalls; }
@@ -60,6 +63,8 @@ private:
     Counts _counts;
     std::set<long> _unknownCalls;
     std::string _target;
+    std::atomic<long> _received{0};
+    std::atomic<long> _settled{0};
     std::thread _shortCall;  ///< waits, as the service's own thread would
     std::thread _thread;
 };

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include "tests/support/Patience.h"
 #include "tests/support/Ports.h"
@@ -37,7 +38,7 @@ void Device::nameList(const std::string& file) {
 }
 
 std::vector<std::string> Device::takeRequests() {
-    static_cast<void>(eventually([this] { return isIdle(); }));
+    static_cast<void>(eventually([this] { return answers() >= 0; }));
     const std::lock_guard lock(_mutex);
     if (!_received.empty()) {
         _requests.push_back(std::exchange(_received, {}));
@@ -45,10 +46,10 @@ std::vector<std::string> Device::takeRequests() {
     return std::exchange(_requests, {});
 }
 
-bool Device::isIdle() {
+long Device::answers() {
     const std::lock_guard lock(_mutex);
     pollfd asked = _source();
-    return poll(&asked, 1, 0) == 0;
+    return poll(&asked, 1, 0) == 0 ? _answers : -1;
 }
 
 // A new connection is taken when the old one has ended.
@@ -64,6 +65,7 @@ void Device::_serve() {
             return;
         }
         const std::lock_guard lock(_mutex);
+        ++_answers;
         if (_link.isOpen()) {
             _receive();
         } else {

@@ -27,8 +27,8 @@ public:
     /// request. The numbers of data files are left out.
     [[nodiscard]] std::vector<std::string> takeRequests();
 
-    /// Whether all that the service has sent is answered.
-    [[nodiscard]] bool isIdle();
+    /// How often the service has sent something; negative while that is not answered.
+    [[nodiscard]] long answers();
 
 private:
     [[nodiscard]] pollfd _source() const;
@@ -44,5 +44,6 @@ private:
     std::string _received;  ///< of the next request
     std::vector<std::string> _requests;
     std::string _answerText;
+    long _answers = 0;
     std::thread _thread;
 };

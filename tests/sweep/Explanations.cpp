@@ -24,7 +24,6 @@ constexpr auto NO_LIST = "a list file that cannot be read is empty, and says so"
 constexpr auto NO_RETICLE = "a reticle file that cannot be read is left out";
 constexpr auto NO_DATA =
     "a data file that cannot be written is sent all the same: the RTOS's answer tells";
-constexpr auto NO_ENTRY = "an entry that there is no memory for is left out, and says so";
 constexpr auto NO_NAMES = "there is no memory before main";
 
 constexpr std::array EXPLANATIONS{
@@ -35,8 +34,6 @@ constexpr std::array EXPLANATIONS{
     Explanation{"openat", "worker", DATA_FILES, "no data file", NO_DATA},
     Explanation{"write", "worker", DATA_FILES, "no data file", NO_DATA},
     Explanation{"writev", "worker", DATA_FILES, "no data file", NO_DATA},
-    Explanation{ALLOCATION, "worker", ANY, "no data file", NO_DATA},
-    Explanation{ALLOCATION, "worker", ANY, "a reticle left out", NO_ENTRY},
     Explanation{ALLOCATION, "main", ANY, "ended with status 134:   what():  std::bad_alloc",
                 NO_NAMES},
 };

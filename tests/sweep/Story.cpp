@@ -16,9 +16,6 @@ using Clock = std::chrono::steady_clock;
 /// The RTOS may take 5 s for its answer; the rest is for a busy machine.
 constexpr std::chrono::seconds LONGEST_WAIT{15};
 
-/// How often in a row all threads must be found waiting.
-constexpr int SETTLED_AFTER = 3;
-
 constexpr auto SHORT_LIST = "list.json";
 constexpr auto LIST_WITH_MESH = "list_with_mesh.json";
 
@@ -207,14 +204,16 @@ private:
 
     /// A request may still be in work when its client has lost its connection.
     void _waitUntilSettled() {
-        int asleep = 0;
-        static_cast<void>(eventually(
-            [&] {
-                const bool isAsleep = !_service.isAlive() || _service.info().isAsleep();
-                asleep = isAsleep && _device.isIdle() ? asleep + 1 : 0;
-                return asleep == SETTLED_AFTER;
-            },
-            LONGEST_WAIT));
+        static_cast<void>(
+            eventually([this] { return !_service.isAlive() || _isSettled(); }, LONGEST_WAIT));
+    }
+
+    /// Whether all threads wait, and for nothing that the sweep is about to do.
+    bool _isSettled() {
+        const long calls = _service.gate().settledCalls();
+        const long answers = _device.answers();
+        return calls >= 0 && answers >= 0 && _service.info().isAsleep() &&
+               calls == _service.gate().settledCalls() && answers == _device.answers();
     }
 
     void _leaveLostConnection() {
