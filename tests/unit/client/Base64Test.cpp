@@ -21,6 +21,10 @@ TEST(Base64, EveryKindOfByte) {
     EXPECT_EQ(base64("\xFB\xEF\xBE"), "++++");
 }
 
+TEST(Base64, ADataUrlHoldsTheBytes) {
+    EXPECT_EQ(dataUrl("text/plain", "foobar"), "data:text/plain;base64,Zm9vYmFy");
+}
+
 }  // namespace
 
 }  // namespace reticlectl

@@ -15,7 +15,7 @@ using testing::Not;
 constexpr auto DOT = R"(<svg xmlns="http://www.w3.org/2000/svg"><circle r="1" fill="lime"/></svg>)";
 
 std::string galleryOf(const std::vector<Reticle>& reticles) {
-    return renderGallery(reticles, "device:3451", Background::LIGHT);
+    return renderGallery(reticles, "device:3451", "light");
 }
 
 std::string galleryOf(const Reticle& reticle) {
@@ -90,7 +90,7 @@ TEST(GalleryPage, AColourIsEscapedAndItsDotIsAPicture) {
 }
 
 TEST(GalleryPage, TheDevicesNameIsEscaped) {
-    EXPECT_THAT(renderGallery({}, "<b>", Background::LIGHT), Not(HasSubstr("<b>")));
+    EXPECT_THAT(renderGallery({}, "<b>", "light"), Not(HasSubstr("<b>")));
 }
 
 TEST(GalleryPage, AllowsItsStyleAndPicturesAndNothingElse) {
@@ -105,10 +105,16 @@ TEST(GalleryPage, AllowsItsStyleAndPicturesAndNothingElse) {
 }
 
 TEST(GalleryPage, BeginsWithTheBackgroundThatIsAskedFor) {
-    EXPECT_THAT(renderGallery({}, "", Background::LIGHT), HasSubstr("id=\"light\" checked>"));
-    EXPECT_THAT(renderGallery({}, "", Background::DARK), HasSubstr("id=\"dark\" checked>"));
-    EXPECT_THAT(renderGallery({}, "", Background::GREY), HasSubstr("id=\"grey\" checked>"));
-    EXPECT_THAT(renderGallery({}, "", Background::GREY), HasSubstr("id=\"light\">"));
+    EXPECT_THAT(renderGallery({}, "", "light"), HasSubstr("id=\"light\" checked>"));
+    EXPECT_THAT(renderGallery({}, "", "dark"), HasSubstr("id=\"dark\" checked>"));
+    EXPECT_THAT(renderGallery({}, "", "grey"), HasSubstr("id=\"grey\" checked>"));
+    EXPECT_THAT(renderGallery({}, "", "grey"), HasSubstr("id=\"light\">"));
+}
+
+TEST(GalleryPage, WhatLooksLikeATemplateIsText) {
+    const std::string page = galleryOf({{1, "{{{style}}}", "{{#grounds}}", false, false}});
+    EXPECT_THAT(page, HasSubstr(">{{{style}}}</h2>"));
+    EXPECT_THAT(page, HasSubstr("<pre>{{#grounds}}</pre>"));
 }
 
 TEST(GalleryPage, AnEmptyListIsOneClearLine) {

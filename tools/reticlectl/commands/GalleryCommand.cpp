@@ -1,12 +1,13 @@
-#include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/files/TextFile.h"
 #include "tools/reticlectl/gallery/GalleryPage.h"
+#include "tools/reticlectl/gallery/Grounds.h"
 #include "tools/reticlectl/outcome/Failure.h"
 #include "tools/reticlectl/terminal/DisplayText.h"
 
@@ -17,13 +18,15 @@ namespace {
 struct GalleryArguments {
     /// Empty where the user names none.
     std::string output;
-    std::string background = "light";
+    std::string background = GROUNDS.front().name;
 };
 
-const std::map<std::string, Background>& backgrounds() {
-    static const std::map<std::string, Background> BACKGROUNDS = {
-        {"light", Background::LIGHT}, {"dark", Background::DARK}, {"grey", Background::GREY}};
-    return BACKGROUNDS;
+std::vector<std::string> groundNames() {
+    std::vector<std::string> names;
+    for (const Ground& ground : GROUNDS) {
+        names.emplace_back(ground.name);
+    }
+    return names;
 }
 
 void makeGallery(const Session& session, const GalleryArguments& arguments) {
@@ -34,10 +37,9 @@ void makeGallery(const Session& session, const GalleryArguments& arguments) {
     }
     const reticle::Reply reply = session.list();
     const std::string device = session.host + ":" + std::to_string(session.port);
-    const std::string text =
-        session.wantsJson
-            ? printableJson(reply.json) + '\n'
-            : renderGallery(reply.reticles, device, backgrounds().at(arguments.background));
+    const std::string text = session.wantsJson
+                                 ? printableJson(reply.json) + '\n'
+                                 : renderGallery(reply.reticles, device, arguments.background);
     writeText(arguments.output.empty() ? STANDARD_STREAM : arguments.output, text, session.out);
 }
 
@@ -49,11 +51,12 @@ void addGalleryCommand(CLI::App& app, const Session& session) {
     const auto arguments = std::make_shared<GalleryArguments>();
     command->add_option("--output", arguments->output, "Write to this file instead")
         ->type_name("FILE.html");
+    const CLI::IsMember isGround(groundNames());
     command
         ->add_option("--background", arguments->background,
-                     "What shows first behind the pictures: light, dark or grey")
+                     "What shows first behind the pictures, of " + isGround.get_description())
         ->type_name("NAME")
-        ->check(CLI::IsMember({"light", "dark", "grey"}))
+        ->check(isGround)
         ->capture_default_str();
     command->callback([&session, arguments] { makeGallery(session, *arguments); });
 }

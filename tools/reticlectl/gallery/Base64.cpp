@@ -38,4 +38,8 @@ std::string base64(std::string_view bytes) {
     return text;
 }
 
+std::string dataUrl(std::string_view mediaType, std::string_view bytes) {
+    return "data:" + std::string(mediaType) + ";base64," + base64(bytes);
+}
+
 }  // namespace reticlectl

@@ -2,6 +2,9 @@
 
 namespace reticlectl {
 
+/// The text of gallery.mustache.
+extern const char* const GALLERY_TEMPLATE;
+
 /// The text of gallery.css.
 extern const char* const GALLERY_STYLE;
 
