@@ -20,7 +20,10 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     compress(${man_pages})
     file(INSTALL ${CPACK_DEBIAN_CHANGELOG} DESTINATION ${documents} RENAME changelog)
     compress(${documents}/changelog)
-    file(INSTALL ${CPACK_DEBIAN_FILES}/copyright DESTINATION ${documents})
+    execute_process(
+        COMMAND cat ${CPACK_DEBIAN_COPYRIGHTS}
+        OUTPUT_FILE ${documents}/copyright
+        COMMAND_ERROR_IS_FATAL ANY)
     set(overrides ${CPACK_DEBIAN_FILES}/${package}.lintian-overrides)
     if(EXISTS ${overrides})
         file(INSTALL ${overrides} DESTINATION ${share}/lintian/overrides RENAME ${package})

@@ -39,3 +39,25 @@ install(
     FILES ${PROJECT_BINARY_DIR}/reticle-client.pc
     DESTINATION ${CLIENT_PKGCONFIG_DIRECTORY}
     COMPONENT client-dev)
+
+# What the authors of clients read and start from, laid out as here: the documents refer to each other and to examples.
+set(CLIENT_DOCUMENTS_DIRECTORY ${CMAKE_INSTALL_DATADIR}/doc/libreticle-client-dev)
+install(
+    FILES docs/client-library.md docs/client-protocol.md docs/operations.md docs/performance.md docs/rtos-protocol.md
+          docs/sessions.md
+    DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}/docs
+    COMPONENT client-dev)
+install(
+    DIRECTORY docs/schema
+    DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}/docs
+    COMPONENT client-dev)
+install(
+    DIRECTORY examples
+    DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}
+    USE_SOURCE_PERMISSIONS
+    COMPONENT client-dev)
+install(
+    DIRECTORY tests/replay/sessions
+    DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}
+    COMPONENT client-dev
+    FILES_MATCHING PATTERN "*.session")

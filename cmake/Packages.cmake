@@ -11,6 +11,7 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 # What only a Debian package has, from packaging/deb/.
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianFiles.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianMultiArch.cmake)
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/DebianTarget.cmake)
 
 set(DEBIAN_FILES ${PROJECT_SOURCE_DIR}/packaging/deb)
@@ -20,6 +21,10 @@ set(PACKAGE_MAINTAINER "reticled maintainers <maintainers@reticled.example>" CAC
 configure_file(${DEBIAN_FILES}/changelog.in ${PROJECT_BINARY_DIR}/debian-changelog @ONLY)
 set(CPACK_DEBIAN_CHANGELOG ${PROJECT_BINARY_DIR}/debian-changelog)
 set(CPACK_DEBIAN_FILES ${DEBIAN_FILES})
+set(CPACK_DEBIAN_COPYRIGHTS ${DEBIAN_FILES}/copyright)
+if(JSONCPP_FROM_SOURCE)
+    list(APPEND CPACK_DEBIAN_COPYRIGHTS ${DEBIAN_FILES}/copyright.jsoncpp)
+endif()
 
 # By the compiler's target, the only thing that tells the two 32-bit ARM ports apart; the machine's own elsewhere.
 set(DEBIAN_ARCHITECTURE_x86_64-linux-gnu amd64)
@@ -68,7 +73,9 @@ set(CPACK_DEBIAN_CLIENT-DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_CLIENT-DEV_PACKAGE_DEPENDS "libjsoncpp-dev, pkg-config")
 set(CPACK_DEBIAN_CLIENT-DEV_DESCRIPTION
 "C++ library for clients of reticle services, development files
-Headers, the static library, a CMake package and a pkg-config file.")
+Headers, the static library, a CMake package and a pkg-config file; the
+protocols of the service, JSON Schemas, example clients in C++ and Python,
+and recorded sessions, which rtos-sim replays.")
 
 set(CPACK_COMPONENTS_ALL service tools)
 if(NOT JSONCPP_FROM_SOURCE)
