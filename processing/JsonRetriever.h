@@ -30,8 +30,8 @@ struct ReticleRecord {
 /// from any thread; the others belong to the worker, as a lookup may add to the tables.
 class JsonRetriever : public SingleInstance<JsonRetriever> {
 public:
-    /// Whether `text` is JSON; comments are allowed. What the parser throws is written to std::cerr
-    /// and counts as no; a lack of memory says nothing about the text and is thrown.
+    /// Whether `text` is JSON; comments are allowed. What the parser throws, for a lack of memory too,
+    /// is written to std::cerr and counts as no.
     [[nodiscard]] static bool isJson(const std::string& text);
 
     /// The integer under `key` of the object `text`; 0 when it is missing or null.

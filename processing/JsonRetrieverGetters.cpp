@@ -77,7 +77,7 @@ bool JsonRetriever::isJson(const std::string& text) {
     try {
         Json::Value root;
         return parseJson(text, Comments::SKIP, root);
-    } catch (const Json::Exception& error) {
+    } catch (const std::exception& error) {
         logLine(std::cerr, error.what());
         return false;
     }
