@@ -184,6 +184,12 @@ TEST_F(FramingTest, WhatFollowsAZeroByteIsNotJudged) {
     EXPECT_EQ(service.errors(), "json value: 6\n");
 }
 
+TEST_F(FramingTest, BodyThatIsJsonOnlyWithWhatFollowsAZeroByteIsDropped) {
+    client.sendFrame(std::string(R"({"action":"RETICLES_GET_ALL","x":"a)") + '\0' + R"(b"})");
+    expectServed(client, rtos);
+    EXPECT_EQ(service.errors(), std::string(NOT_JSON) + "json value: 6\n");
+}
+
 TEST_F(FramingTest, BodyThatBeginsWithAZeroByteIsDropped) {
     client.sendFrame(std::string(1, '\0') + std::string(GET_ALL));
     expectServed(client, rtos);
