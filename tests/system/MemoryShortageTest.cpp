@@ -148,7 +148,7 @@ TEST_F(MemoryShortageTest, DeletionIsNeverTakenForOneOfNothing) {
     }
     EXPECT_NE(rtosRequest.find("\"msg_id\" : 80"), std::string::npos) << rtosRequest;
     EXPECT_EQ(service.errors().find("Wrong json key"), std::string::npos);
-    EXPECT_EQ(service.errors().find("Error: "), std::string::npos);
+    EXPECT_EQ(service.errors().find("Error: json str"), std::string::npos);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <system_error>
 
@@ -29,6 +30,13 @@ TerminalProcess::TerminalProcess(const std::vector<std::string>& command, Size s
     : _terminal(_start(command, size, environment, _pid), "forkpty"), _child(_pid) {
     fcntl(_terminal.get(), F_SETFL, O_NONBLOCK);
     fcntl(_terminal.get(), F_SETFD, FD_CLOEXEC);
+}
+
+TerminalProcess::~TerminalProcess() {
+    // As when a terminal is closed: shells do not listen to SIGTERM.
+    if (_child.isAlive()) {
+        _child.kill(SIGHUP);
+    }
 }
 
 const std::string& TerminalProcess::output() {

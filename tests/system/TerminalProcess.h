@@ -26,6 +26,9 @@ public:
     /// set by themselves.
     explicit TerminalProcess(const std::vector<std::string>& command, Size size = WIDE,
                              const std::map<std::string, std::string>& environment = {});
+    TerminalProcess(const TerminalProcess&) = delete;
+    TerminalProcess& operator=(const TerminalProcess&) = delete;
+    ~TerminalProcess();
 
     /// All that was written so far, each newline as CR LF.
     [[nodiscard]] const std::string& output();
