@@ -39,7 +39,7 @@ private:
 
 }  // namespace
 
-OpenedPage openInChromium(const std::string& path) {
+OpenedPage openInChromium(const std::string& path, Scheme scheme) {
     const ScratchDirectory scratch;
     const std::string picture = scratch.path() + "/screenshot.png";
     // The browser's own sandbox needs what the tests' sandbox does not give, and the pages are ours.
@@ -48,6 +48,8 @@ OpenedPage openInChromium(const std::string& path) {
                      "--disable-component-update", "--disable-sync", "--hide-scrollbars",
                      "--force-device-scale-factor=1", "--window-size=1000,1400",
                      "--user-data-dir=" + scratch.path() + "/profile", "--screenshot=" + picture,
+                     std::string("--blink-settings=preferredColorScheme=") +
+                         (scheme == Scheme::DARK ? "0" : "1"),
                      "--dump-dom", "file://" + path});
     if (browser.waitForEnd(BROWSER_PATIENCE) != EXIT_SUCCESS) {
         throw std::runtime_error("chromium does not end well: " + browser.standardError());

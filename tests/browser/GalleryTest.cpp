@@ -22,11 +22,11 @@ constexpr auto PAGE = "/tmp/FL0/gallery.html";
 
 /// A square of the user's colour that fills its picture, and other data.
 constexpr auto LIST = R"([{"reticles":[
-{"index":3,"name":"Square","data":"square.svg","userColor":"#12fe34","isDeletable":false,"isActive":true},
+{"index":3,"name":"Square","data":"square.svg","userColor":"#1264fe","isDeletable":false,"isActive":true},
 {"index":8,"name":"Notes","data":"notes","userColor":"red","isDeletable":true,"isActive":false}]}])";
 constexpr auto SQUARE =
     R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 9 9"><rect width="9" height="9" fill="user_color"/></svg>)";
-constexpr Rgb SQUARE_COLOUR{0x12, 0xFE, 0x34};
+constexpr Rgb SQUARE_COLOUR{0x12, 0x64, 0xFE};
 
 /// A green square. Its scripts, were they run, would make it red; what it refers to, were it loaded,
 /// would lay blue on it.
@@ -109,7 +109,7 @@ TEST_F(GalleryTest, ShowsACardForEachReticleOnTheChosenBackground) {
     expectPart(light.dom, ">Square</h2><span class=\"index\">Index 3</span>");
     expectPart(light.dom,
                "<span class=\"badge active\">Active</span><a download=\"reticle-3.svg\"");
-    expectPart(light.dom, "#12fe34</span><span>107 bytes</span>");
+    expectPart(light.dom, "#1264fe</span><span>107 bytes</span>");
     expectPart(light.dom, ">Notes</h2><span class=\"index\">Index 8</span>");
     expectPart(light.dom, "<p class=\"foot\"><span class=\"badge\">Deletable</span><a download=");
     expectPart(light.dom, "<pre>1 &lt; 2 &amp; &lt;b&gt;bold&lt;/b&gt;</pre>");
@@ -118,6 +118,24 @@ TEST_F(GalleryTest, ShowsACardForEachReticleOnTheChosenBackground) {
 
     const OpenedPage dark = openGallery("dark");
     expectSquareOn(dark.screenshot, SQUARE_COLOUR, DARK_GROUND);
+}
+
+TEST_F(GalleryTest, TheGroundFollowsTheReadersSystemByItself) {
+    flash.write("reticle/square.svg", SQUARE);
+    flash.write("reticle/notes", "notes");
+    startWith(LIST);
+    ASSERT_EQ(Reticlectl::run({"gallery", "--output", PAGE}).status, Reticlectl::DONE);
+    expectSquareOn(openInChromium(PAGE).screenshot, SQUARE_COLOUR, LIGHT_GROUND);
+    expectSquareOn(openInChromium(PAGE, Scheme::DARK).screenshot, SQUARE_COLOUR, DARK_GROUND);
+}
+
+TEST_F(GalleryTest, ADrawingCloseToItsGroundStandsOnAnother) {
+    constexpr Rgb BLACK{0x00, 0x00, 0x01};
+    flash.write("reticle/square.svg", SQUARE);
+    startWith(
+        R"([{"reticles":[{"index":0,"name":"N","data":"square.svg","userColor":"#000001","isDeletable":true,"isActive":false}]}])");
+    expectSquareOn(openGallery("dark").screenshot, BLACK, LIGHT_GROUND);
+    expectSquareOn(openGallery("grey").screenshot, BLACK, GREY_GROUND);
 }
 
 TEST_F(GalleryTest, HostilePicturesAndNamesDoNothing) {
@@ -168,7 +186,7 @@ TEST_F(GalleryTest, PicturesThatNeverEndHoldUpNothing) {
     flash.write("reticle/square.svg", SQUARE);
     const auto entry = [](int index, const std::string& file) {
         return R"({"index":)" + std::to_string(index) + R"(,"name":"N","data":")" + file +
-               R"(","userColor":"#12fe34","isDeletable":true,"isActive":false})";
+               R"(","userColor":"#1264fe","isDeletable":true,"isActive":false})";
     };
     constexpr int CARDS = 29;
     std::string list = R"([{"reticles":[)" + entry(0, "uses.svg");

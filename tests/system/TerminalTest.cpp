@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr const char* AMBER_SWATCH = "\x1B[48;2;255;176;0m  \x1B[0m #ffb000";
+constexpr const char* AMBER_SWATCH = "\x1B[38;2;128;128;128;48;2;255;176;0m▏▕\x1B[0m #ffb000";
 constexpr char ESCAPE = '\x1B';
 constexpr std::size_t UPLOAD_BYTES = 300'000;
 constexpr std::size_t SMALL_UPLOAD_BYTES = 200'000;

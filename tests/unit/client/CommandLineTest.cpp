@@ -259,7 +259,7 @@ TEST_F(CommandLine, GalleryPrintsAPage) {
     EXPECT_EQ(run.outcome.status, ExitStatus::DONE);
     EXPECT_TRUE(run.outcome.out.starts_with("<!DOCTYPE html>\n")) << run.outcome.out;
     EXPECT_NE(run.outcome.out.find(">Dot</h2>"), std::string::npos);
-    EXPECT_NE(run.outcome.out.find("id=\"light\" checked>"), std::string::npos);
+    EXPECT_NE(run.outcome.out.find("id=\"auto\" checked>"), std::string::npos);
     EXPECT_TRUE(exchange({"gallery", "--output", "-"}).outcome.out.starts_with("<!DOCTYPE"));
 }
 
@@ -283,7 +283,7 @@ TEST_F(CommandLine, GalleryDoesNotFloodATerminal) {
     EXPECT_TRUE(asked.outcome.out.starts_with("<!DOCTYPE"));
 }
 
-TEST_F(CommandLine, GalleryKnowsThreeBackgrounds) {
+TEST_F(CommandLine, GalleryKnowsItsBackgrounds) {
     expectUsageError({"gallery", "--background", "Pink"}, "--background");
 }
 

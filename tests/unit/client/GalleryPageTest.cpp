@@ -111,6 +111,23 @@ TEST(GalleryPage, BeginsWithTheBackgroundThatIsAskedFor) {
     EXPECT_THAT(renderGallery({}, "", "grey"), HasSubstr("id=\"light\">"));
 }
 
+std::string drawnIn(const std::string& colour) {
+    return galleryOf({{1, "Dot", "<svg fill=\"" + colour + "\"/>", false, false}});
+}
+
+TEST(GalleryPage, ADrawingSaysToWhichGroundItsColourIsClose) {
+    for (const char* colour : {"black", "#000", "navy", "#101418"}) {
+        EXPECT_THAT(drawnIn(colour), HasSubstr("<div class=\"ground near-dark\">")) << colour;
+    }
+    for (const char* colour : {"white", "yellow", "#ffb000"}) {
+        EXPECT_THAT(drawnIn(colour), HasSubstr("<div class=\"ground near-light\">")) << colour;
+    }
+    EXPECT_THAT(drawnIn("gray"), HasSubstr("<div class=\"ground near-grey\">"));
+    for (const char* colour : {"url(#a)", "rebeccapurple"}) {
+        EXPECT_THAT(drawnIn(colour), HasSubstr("<div class=\"ground\">")) << colour;
+    }
+}
+
 TEST(GalleryPage, WhatLooksLikeATemplateIsText) {
     const std::string page = galleryOf({{1, "{{{style}}}", "{{#grounds}}", false, false}});
     EXPECT_THAT(page, HasSubstr(">{{{style}}}</h2>"));

@@ -49,7 +49,8 @@ TEST(ReticleTable, ShowsColoursBeforeTheirNames) {
               "\x1B[1mDELETABLE\x1B[0m     \x1B[1mCOLOUR\x1B[0m  \x1B[1mBYTES\x1B[0m\n"
               "    1          Odd   no            odd        19\n");
     const std::string table = renderTable(reticles, {true, {}});
-    EXPECT_NE(table.find("\x1B[48;2;10;11;12m  \x1B[0m \x1B[1m#0a0b0C\x1B[0m  "), std::string::npos)
+    EXPECT_NE(table.find("\x1B[38;2;128;128;128;48;2;10;11;12m▏▕\x1B[0m \x1B[1m#0a0b0C\x1B[0m  "),
+              std::string::npos)
         << table;
 }
 

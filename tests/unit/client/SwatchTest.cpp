@@ -7,8 +7,8 @@ namespace reticlectl {
 namespace {
 
 TEST(Swatch, IsAPatchOfTheColour) {
-    EXPECT_EQ(swatch("#FFb000"), "\x1B[48;2;255;176;0m  \x1B[0m");
-    EXPECT_EQ(swatch("#0af"), "\x1B[48;2;0;170;255m  \x1B[0m");
+    EXPECT_EQ(swatch("#FFb000"), "\x1B[38;2;128;128;128;48;2;255;176;0m▏▕\x1B[0m");
+    EXPECT_EQ(swatch("#0af"), "\x1B[38;2;128;128;128;48;2;0;170;255m▏▕\x1B[0m");
 }
 
 TEST(Swatch, KnowsTheBasicNames) {

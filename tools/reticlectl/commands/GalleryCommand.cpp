@@ -18,12 +18,12 @@ namespace {
 struct GalleryArguments {
     /// Empty where the user names none.
     std::string output;
-    std::string background = GROUNDS.front().name;
+    std::string background = grounds().front().name;
 };
 
 std::vector<std::string> groundNames() {
     std::vector<std::string> names;
-    for (const Ground& ground : GROUNDS) {
+    for (const Ground& ground : grounds()) {
         names.emplace_back(ground.name);
     }
     return names;

@@ -52,7 +52,7 @@ _reticlectl_complete_value() {
     case $1 in
         --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$2") ;;
         --host) mapfile -t COMPREPLY < <(compgen -A hostname -- "$2") ;;
-        --background) mapfile -t COMPREPLY < <(compgen -W "light dark grey" -- "$2") ;;
+        --background) mapfile -t COMPREPLY < <(compgen -W "auto light dark grey" -- "$2") ;;
         --output) _reticlectl_complete_files "$2" ;;
     esac
 }

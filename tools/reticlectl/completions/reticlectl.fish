@@ -34,7 +34,7 @@ complete -c reticlectl -n __reticlectl_awaits_command -a help -d 'Print the help
 
 complete -c reticlectl -n '__fish_seen_subcommand_from list' -l watch -x -d 'Show them again and again'
 complete -c reticlectl -n '__fish_seen_subcommand_from show gallery' -l output -r -F -d 'Write to this file'
-complete -c reticlectl -n '__fish_seen_subcommand_from gallery' -l background -x -a 'light dark grey' -d 'What shows first behind the pictures'
+complete -c reticlectl -n '__fish_seen_subcommand_from gallery' -l background -x -a 'auto light dark grey' -d 'What shows first behind the pictures'
 complete -c reticlectl -n '__fish_seen_subcommand_from ping' -l count -x -d 'How often to ask'
 complete -c reticlectl -n '__fish_seen_subcommand_from ping' -l interval -x -d 'How long from one to the next'
 complete -c reticlectl -n '__fish_seen_subcommand_from update' -F

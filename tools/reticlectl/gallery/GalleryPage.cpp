@@ -33,9 +33,9 @@ std::string counted(std::size_t count, const std::string& what) {
     return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
-data grounds(std::string_view chosen) {
+data groundChoices(std::string_view chosen) {
     list all;
-    for (const Ground& ground : GROUNDS) {
+    for (const Ground& ground : grounds()) {
         data one;
         one.set("ground", ground.name);
         one.set("label", ground.label);
@@ -62,6 +62,8 @@ void setColour(data& card, const std::optional<std::string>& value) {
     card.set("colour", value ? data(printable(*value)) : data(false));
     if (value) {
         mustache dot(DOT_TEMPLATE);
+        const auto close = groundCloseTo(*value);
+        card.set("closeTo", close ? data(close->name) : data(false));
         card.set("dot", dataUrl(SVG_TYPE, dot.render({"colour", printable(*value)})));
     }
 }
@@ -103,7 +105,7 @@ std::string renderGallery(const std::vector<Reticle>& reticles, const std::strin
     values.set("styleHash", GALLERY_STYLE_HASH);
     values.set("device", printable(device));
     values.set("count", counted(reticles.size(), "reticle"));
-    values.set("grounds", grounds(ground));
+    values.set("grounds", groundChoices(ground));
     values.set("reticles", cards);
     mustache page(GALLERY_TEMPLATE);
     return page.render(values);

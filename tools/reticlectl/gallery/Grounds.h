@@ -1,6 +1,8 @@
 #pragma once
 
-#include <array>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 namespace reticlectl {
 
@@ -10,10 +12,15 @@ struct Ground {
     const char* name;
     /// On the page.
     const char* label;
+    /// "#RRGGBB"; null where the reader's system chooses between light and dark.
+    const char* color;
 };
 
 /// The first is the default.
-constexpr std::array GROUNDS{Ground{"light", "Light"}, Ground{"dark", "Dark"},
-                             Ground{"grey", "Photo grey"}};
+[[nodiscard]] const std::vector<Ground>& grounds();
+
+/// The ground on which a drawing in `color` would hardly be seen: their contrast() is below 2. One at
+/// most is so close to a colour. Nothing for a colour that webColor() does not know.
+[[nodiscard]] std::optional<Ground> groundCloseTo(std::string_view color);
 
 }  // namespace reticlectl

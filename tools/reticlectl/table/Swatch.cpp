@@ -1,90 +1,26 @@
 #include "tools/reticlectl/table/Swatch.h"
 
-#include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstdint>
+#include "tools/reticlectl/table/WebColor.h"
 
 namespace reticlectl {
 
 namespace {
 
-constexpr unsigned BITS_PER_CHANNEL = 8;
-constexpr unsigned CHANNEL_MASK = 0xFF;
-
-struct NamedColor {
-    std::string_view name;
-    std::string_view hex;
-};
-
-constexpr auto NAMED_COLORS = std::to_array<NamedColor>({{"aqua", "00ffff"},
-                                                         {"black", "000000"},
-                                                         {"blue", "0000ff"},
-                                                         {"fuchsia", "ff00ff"},
-                                                         {"gray", "808080"},
-                                                         {"green", "008000"},
-                                                         {"lime", "00ff00"},
-                                                         {"maroon", "800000"},
-                                                         {"navy", "000080"},
-                                                         {"olive", "808000"},
-                                                         {"purple", "800080"},
-                                                         {"red", "ff0000"},
-                                                         {"silver", "c0c0c0"},
-                                                         {"teal", "008080"},
-                                                         {"white", "ffffff"},
-                                                         {"yellow", "ffff00"}});
-
-char lowered(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
-bool isSame(std::string_view left, std::string_view right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return lowered(a) == lowered(b); });
-}
-
-/// The six hexadecimal digits of a colour, empty for a text that is none.
-std::string hexDigits(std::string_view color) {
-    constexpr std::size_t SHORT_DIGITS = 3;
-    if (!color.starts_with('#')) {
-        const auto* const found =
-            std::find_if(NAMED_COLORS.begin(), NAMED_COLORS.end(),
-                         [color](const NamedColor& named) { return isSame(named.name, color); });
-        return std::string(found != NAMED_COLORS.end() ? found->hex : "");
-    }
-    color.remove_prefix(1);
-    if (color.size() != SHORT_DIGITS) {
-        return std::string(color);
-    }
-    std::string digits;
-    for (const char digit : color) {
-        digits.append(2, digit);
-    }
-    return digits;
-}
-
-std::optional<std::uint32_t> parseHex(std::string_view digits) {
-    constexpr std::size_t DIGITS = 6;
-    constexpr int BASE = 16;
-    std::uint32_t value = 0;
-    const auto [end, error] =
-        std::from_chars(digits.data(), digits.data() + digits.size(), value, BASE);
-    const bool isWhole = error == std::errc() && end == digits.data() + digits.size();
-    return digits.size() == DIGITS && isWhole ? std::optional(value) : std::nullopt;
-}
+/// Thin lines at both sides, in a grey that shows on any terminal, as on a black one a black patch
+/// would not.
+constexpr const char* EDGE_COLOR = "38;2;128;128;128";
+constexpr const char* EDGES = "▏▕";
 
 }  // namespace
 
 std::optional<std::string> swatch(std::string_view color) {
-    const auto value = parseHex(hexDigits(color));
-    if (!value) {
+    const auto patch = webColor(color);
+    if (!patch) {
         return std::nullopt;
     }
-    const auto channel = [&value](unsigned position) {
-        return std::to_string((*value >> (position * BITS_PER_CHANNEL)) & CHANNEL_MASK);
-    };
-    return "\x1B[48;2;" + channel(2) + ';' + channel(1) + ';' + channel(0) + 'm' +
-           std::string(SWATCH_COLUMNS, ' ') + "\x1B[0m";
+    return std::string("\x1B[") + EDGE_COLOR + ";48;2;" + std::to_string(patch->red) + ';' +
+           std::to_string(patch->green) + ';' + std::to_string(patch->blue) + 'm' + EDGES +
+           "\x1B[0m";
 }
 
 }  // namespace reticlectl
