@@ -138,6 +138,49 @@ TEST_F(GalleryTest, ADrawingCloseToItsGroundStandsOnAnother) {
     expectSquareOn(openGallery("grey").screenshot, BLACK, GREY_GROUND);
 }
 
+/// Shows a page as narrow as a telephone, and says what is too wide or breaks its line.
+constexpr auto TELEPHONE =
+    R"html(<!DOCTYPE html><iframe style="width:320px;border:0" srcdoc="PAGE"></iframe>
+<script>onload = () => {
+    const page = document.querySelector('iframe').contentDocument;
+    const faults = page.documentElement.scrollWidth > 320 ? ['page is too wide'] : [];
+    const texts = page.querySelectorAll('label, h1, h2, .summary, .index, .colour, .facts > span, .badge, .foot a');
+    for (const element of texts) {
+        const range = page.createRange();
+        range.selectNodeContents(element.lastChild);
+        if (range.getClientRects().length !== 1) faults.push(element.textContent + ' breaks');
+    }
+    document.body.append(`${texts.length} texts, faults: ${faults.join() || 'none'}.`);
+};</script>)html";
+
+std::string asAttribute(const std::string& html) {
+    std::string value;
+    for (const char character : html) {
+        switch (character) {
+            case '&':
+                value += "&amp;";
+                break;
+            case '"':
+                value += "&quot;";
+                break;
+            default:
+                value += character;
+        }
+    }
+    return value;
+}
+
+TEST_F(GalleryTest, NothingBreaksOnATelephone) {
+    flash.write("reticle/square.svg", SQUARE);
+    flash.write("reticle/notes", "notes");
+    startWith(LIST);
+    ASSERT_EQ(Reticlectl::run({"gallery", "--output", PAGE}).status, Reticlectl::DONE);
+    std::string telephone = TELEPHONE;
+    telephone.replace(telephone.find("PAGE"), 4, asAttribute(contentOfFile(PAGE)));
+    flash.write("telephone.html", telephone);
+    expectPart(openInChromium("/tmp/FL0/telephone.html").dom, "17 texts, faults: none.");
+}
+
 TEST_F(GalleryTest, HostilePicturesAndNamesDoNothing) {
     flash.write("reticle/hostile.svg", HOSTILE);
     flash.write("reticle/colour.svg",

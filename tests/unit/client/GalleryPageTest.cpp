@@ -34,7 +34,7 @@ TEST(GalleryPage, ACardTellsAllOfItsReticle) {
                                 base64(DOT) + "\">"));
     EXPECT_THAT(page, HasSubstr("<a download=\"reticle-12.svg\" "
                                 "href=\"data:application/octet-stream;base64," +
-                                base64(DOT) + "\">"));
+                                base64(DOT) + "\">Download, colour fixed</a>"));
     EXPECT_THAT(page, HasSubstr("1 reticle on device:3451"));
 }
 
@@ -68,7 +68,7 @@ TEST(GalleryPage, DataAndNameMayBeEmptyAndTheIndexMissing) {
     EXPECT_THAT(page, HasSubstr("No index"));
     EXPECT_THAT(page, HasSubstr("<span>0 bytes</span>"));
     EXPECT_THAT(page, HasSubstr("<a download=\"reticle.txt\" "
-                                "href=\"data:application/octet-stream;base64,\">"));
+                                "href=\"data:application/octet-stream;base64,\">Download</a>"));
 }
 
 TEST(GalleryPage, NamesAreEscapedEverywhere) {
