@@ -16,6 +16,9 @@ constexpr char ESCAPE = '$';
 
 /// Not std::string_view's search, which stops at every quote of a drawing.
 std::size_t findPlaceholder(std::string_view text) {
+    if (text.empty()) {
+        return std::string_view::npos;  // of a file that is missing there is not even an address
+    }
     const void* const found =
         memmem(text.data(), text.size(), PLACEHOLDER.data(), PLACEHOLDER.size());
     return found != nullptr
