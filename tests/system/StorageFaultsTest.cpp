@@ -281,6 +281,7 @@ TEST_F(StorageFaultsTest, LinkAsDataFileIsFollowed) {
 TEST_F(StorageFaultsTest, FifoAsDataFileHoldsUpEverybodyUntilItIsRead) {
     makeFifo(ROOT + "new_reticle_data0");
     sendAdd("<a/>");
+    EXPECT_TRUE(service.hasProgress("buildmsg: "));
     FrameClient other;
     other.sendFrame(exchanges::GET_ALL);
     EXPECT_TRUE(service.hasProgress("json is true, length = 29\n"));
