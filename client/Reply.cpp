@@ -111,7 +111,8 @@ std::string resultMeaning(const std::string& result) {
         {"RETICLE_INDEX_NOT_FOUND",
          "the device has no reticle of this index: list the reticles to see which there are"},
         {"RETICLES_COUNT_OUT_OF_BOUNDS",
-         "the device holds as many reticles as it can: delete one first"},
+         "the device holds as many reticles as it can, or has no room for the data: delete one "
+         "first"},
         {"RETICLE_CANT_BE_DELETED",
          "factory reticles and the active one stay: check in the list that it is deletable and not "
          "active"},

@@ -44,8 +44,16 @@ install(
 set(CLIENT_DOCUMENTS_DIRECTORY ${CMAKE_INSTALL_DATADIR}/doc/libreticle-client-dev)
 install(
     FILES docs/client-library.md docs/client-protocol.md docs/operations.md docs/performance.md docs/rtos-protocol.md
-          docs/sessions.md
+          docs/sessions.md docs/testing.md
     DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}/docs
+    COMPONENT client-dev)
+install(
+    FILES SECURITY.md
+    DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}
+    COMPONENT client-dev)
+install(
+    FILES bench/history.md
+    DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}/bench
     COMPONENT client-dev)
 install(
     DIRECTORY docs/schema

@@ -139,7 +139,8 @@ TEST(ResultMeaning, EveryNameHasOneOfItsOwn) {
     EXPECT_EQ(resultMeaning("RETICLE_INDEX_NOT_FOUND"),
               "the device has no reticle of this index: list the reticles to see which there are");
     EXPECT_EQ(resultMeaning("RETICLES_COUNT_OUT_OF_BOUNDS"),
-              "the device holds as many reticles as it can: delete one first");
+              "the device holds as many reticles as it can, or has no room for the data: delete "
+              "one first");
     EXPECT_EQ(
         resultMeaning("RETICLE_CANT_BE_DELETED"),
         "factory reticles and the active one stay: check in the list that it is deletable and "
