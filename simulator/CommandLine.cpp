@@ -27,12 +27,11 @@ constexpr const char* DESCRIPTION =
 constexpr const char* SESSIONS_HELP =
     "Sessions are text files that tell what went between a service and a device. --record\n"
     "writes one while simulating. --from-log makes one from a log of reticled-foreground, both\n"
-    "streams of it, whole (without --log-bytes), taken on a real device; it listens nowhere. "
-    "--replay is a device that knows\n"
-    "nothing but its session: the requests must be those of the session, in its order. At the\n"
-    "first that differs it names the difference and ends with status 3, and so it does when it\n"
-    "is ended before all have come; it writes the session's files into the root, which should be\n"
-    "empty at first.\n";
+    "streams of it, whole (without --log-bytes), taken on a real device; it listens nowhere.\n"
+    "--replay is a device that knows nothing but its session: the requests must be those of the\n"
+    "session, in its order. At the first that differs it names the difference and ends with\n"
+    "status 3, and so it does when it is ended before all have come; it writes the session's\n"
+    "files into the root, which should be empty at first.\n";
 
 CLI::Option* addNumber(CLI::App& app, const std::string& name, auto& variable, std::size_t min,
                        std::size_t max, const std::string& description) {
