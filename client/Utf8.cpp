@@ -10,9 +10,9 @@ std::optional<CodePoint> firstCodePoint(std::string_view text) {
     if (first.empty() || utf8::find_invalid(first.begin(), first.end()) == first.begin()) {
         return std::nullopt;
     }
-    auto next = first.begin();
+    const char* next = first.data();
     const char32_t value = utf8::unchecked::next(next);
-    return CodePoint{value, static_cast<std::size_t>(next - first.begin())};
+    return CodePoint{value, static_cast<std::size_t>(next - first.data())};
 }
 
 std::optional<std::size_t> findInvalidUtf8(std::string_view text) {

@@ -32,6 +32,7 @@ void JsonRtosBuilderAddOrUpdate::build(const std::string& request) {
     // Intended: written for every request, also when it has records.
     logLine(std::cout, "build", "indices is empty ");
     std::vector<Json::Value> messages;
+    messages.reserve(records.size());
     for (const ReticleRecord& record : records) {
         messages.push_back(_makeMessage(record));
     }

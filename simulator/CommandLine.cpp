@@ -62,7 +62,8 @@ void requireNone(const CLI::App& app, const std::string& option,
                  const std::vector<std::string>& others) {
     for (const std::string& other : others) {
         if (app.count(option) > 0 && app.count(other) > 0) {
-            throw CLI::ValidationError(other + " makes no sense with " + option);
+            throw CLI::ValidationError(
+                std::string(other).append(" makes no sense with ").append(option));
         }
     }
 }

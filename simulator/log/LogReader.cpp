@@ -80,7 +80,7 @@ bool isCut(std::string_view line) {
     constexpr std::string_view START = " ... (";
     constexpr std::string_view END = " bytes)";
     const std::size_t start = line.rfind(START);
-    if (start == line.npos || !line.ends_with(END)) {
+    if (start == std::string_view::npos || !line.ends_with(END)) {
         return false;
     }
     const std::string_view size = line.substr(start + START.size());

@@ -36,8 +36,8 @@ public:
 
 private:
     void markHolders(pugi::xml_node node) {
-        for (; node && _seen.insert(node.hash_value()).second; node = node.parent()) {
-            if (const pugi::xml_attribute id = node.attribute("id")) {
+        for (; !node.empty() && _seen.insert(node.hash_value()).second; node = node.parent()) {
+            if (const pugi::xml_attribute id = node.attribute("id"); !id.empty()) {
                 _holders.insert(std::string("#") + id.value());
             }
         }

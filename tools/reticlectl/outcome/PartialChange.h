@@ -17,6 +17,7 @@ public:
     PartialChange(Json::Value items, std::size_t doneCount, std::exception_ptr cause)
         : _items(std::move(items)),
           _doneCount(static_cast<Json::ArrayIndex>(doneCount)),
+          // NOLINTNEXTLINE(bugprone-throw-keyword-missing): no exception, but a pointer to one
           _cause(std::move(cause)) {}
 
     [[nodiscard]] Json::Value done() const { return _part(0, _doneCount); }
