@@ -60,7 +60,8 @@ bool isShortageError(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
 
-/// Fills `buffer` from the connection; less only when the client leaves meanwhile.
+/// Fills `buffer` from the connection; less only when the client leaves meanwhile. What came before an
+/// error is dropped: of a connection that is broken nothing more is carried out.
 /// \return the number of bytes, 0 at the connection's end, -1 after an error, which is reported.
 ssize_t receive(int socket, void* buffer, std::size_t size) {
     std::size_t received = 0;

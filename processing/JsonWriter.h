@@ -18,7 +18,7 @@ namespace reticled {
 class JsonWriter {
 public:
     /// The text of `value`: indented, members by ascending key, no newline at the end.
-    /// \throws std::bad_alloc; never is a text cut.
+    /// \throws std::bad_alloc or Json::RuntimeError without memory; never is a text cut.
     [[nodiscard]] static std::string write(const Json::Value& value);
 
 private:

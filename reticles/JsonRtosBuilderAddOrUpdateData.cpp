@@ -14,12 +14,11 @@ std::string JsonRtosBuilderAddOrUpdate::_saveReticleData(const std::string& data
     const std::string name = NEW_RETICLE_DATA_NAME + std::to_string(_dataFiles.size());
     const std::string& path = _dataFiles.emplace_back(FLASH_ROOT + name);
     errno = 0;
-    {
-        std::ofstream file(path, std::ios::out | std::ios::trunc);
-        file << data;
-    }
+    std::ofstream file(path, std::ios::out | std::ios::trunc);
+    file << data;
+    file.close();
     // Other failures are the RTOS's to report.
-    if (errno == ENOMEM) {
+    if (!file && errno == ENOMEM) {
         throw std::bad_alloc();
     }
     return RTOS_FLASH_ROOT + name;

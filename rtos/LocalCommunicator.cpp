@@ -67,7 +67,9 @@ bool LocalCommunicator::_isRecvJsonValid() const {
 
 void LocalCommunicator::_setRecvTimeout(std::chrono::microseconds duration) const {
     const auto seconds = std::chrono::floor<std::chrono::seconds>(duration);
-    const timeval timeout{.tv_sec = seconds.count(), .tv_usec = (duration - seconds).count()};
+    // Of 32 bits on some machines.
+    const timeval timeout{.tv_sec = static_cast<time_t>(seconds.count()),
+                          .tv_usec = static_cast<suseconds_t>((duration - seconds).count())};
     if (setsockopt(_socket, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout) < 0) {
         logSystemError(errno);
     }

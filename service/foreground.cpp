@@ -1,4 +1,5 @@
 // reticled-foreground: the service under a supervisor or on a terminal, which keep its log lines.
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <iostream>
@@ -38,14 +39,14 @@ bool setLogBytes(std::string_view text) {
 int main(int argc, char** argv) {
     using Arguments = std::vector<std::string_view>;
     reticled::occupyStandardStreams();
-    const Arguments arguments(argv + 1, argv + argc);
+    const Arguments arguments(argv + std::min(argc, 1), argv + argc);
     if (arguments == Arguments{"--help"}) {
-        std::cout << USAGE << HELP;
-        return EXIT_SUCCESS;
+        std::cout << USAGE << HELP << std::flush;
+        return std::cout ? EXIT_SUCCESS : EXIT_FAILURE;
     }
     if (arguments == Arguments{"--version"}) {
-        std::cout << "reticled-foreground " RETICLED_VERSION "\n";
-        return EXIT_SUCCESS;
+        std::cout << "reticled-foreground " RETICLED_VERSION "\n" << std::flush;
+        return std::cout ? EXIT_SUCCESS : EXIT_FAILURE;
     }
     const bool hasLogBytes = arguments.size() == 2 && arguments[0] == "--log-bytes";
     if (!arguments.empty() && !(hasLogBytes && setLogBytes(arguments[1]))) {

@@ -26,7 +26,7 @@ void PrintTo(const Piece& piece, std::ostream* out) {
 /// What one client has stored comes back in everybody's list.
 class StoredDataTest : public DaemonTest, public testing::WithParamInterface<Piece> {
 protected:
-    static constexpr std::size_t PIECES = 200000;
+    static constexpr std::size_t PIECES = 20000;
 
     StoredDataTest() { flash.write("list.json", exchanges::ONE_DOT_LIST); }
 

@@ -100,7 +100,7 @@ TEST_F(StoriesTest, AddToAFullDevice) {
     EXPECT_EQ(
         call.error,
         "reticlectl: refused by the device: RETICLES_COUNT_OUT_OF_BOUNDS: the device holds as "
-        "many reticles as it can: delete one first\n"
+        "many reticles as it can, or has no room for the data: delete one first\n"
         "done (1): Ring\n"
         "refused: Cross\n"
         "not tried (1): Spare\n");

@@ -575,11 +575,12 @@ TEST(NetCommunicatorEndTest, DestructionWaitsForTheServerThreadAndClosesThePort)
     auto owner = std::make_unique<NetCommunicator>();
     NetCommunicator& net = *owner;
     Peer::startServerThread(net);
+    const int socket = Peer::serverSocket(net);
     auto destruction = std::async(std::launch::async, [&] { owner.reset(); });
     EXPECT_EQ(destruction.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
     EXPECT_TRUE(isListening(CLIENT_PORT));
     Peer::stop(net);
-    shutdown(Peer::serverSocket(net), SHUT_RDWR);
+    shutdown(socket, SHUT_RDWR);
     EXPECT_EQ(destruction.wait_for(PATIENCE), std::future_status::ready);
     EXPECT_FALSE(isListening(CLIENT_PORT));
 }
