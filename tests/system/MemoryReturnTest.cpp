@@ -91,6 +91,20 @@ TEST_F(MemoryReturnTest, NothingStaysOfBodiesOf64Kilobytes) {
     expectGivenBackAfterEach(hostileChanges(SMALLEST_LARGE_BYTES), 8);
 }
 
+// Bodies that are too small for anything to be given back after them: the readers share what they took.
+TEST_F(MemoryReturnTest, LittleStaysOfOrdinaryBodiesOfManyClients) {
+    constexpr std::size_t CLIENTS = 50;
+    constexpr std::size_t BYTES = 16000;
+    const HostileText text = manyTinyValues(BYTES);
+    std::list<FrameClient> clients(CLIENTS);
+    for (FrameClient& client : clients) {
+        client.sendFrame(text.text);
+        EXPECT_NE(rtos.exchange(FULL), "");
+        EXPECT_NE(client.readReply(), "");
+    }
+    expectGivenBack();
+}
+
 TEST_F(MemoryReturnTest, NothingStaysOfRefusedLargeChanges) {
     constexpr std::size_t BYTES = programs::HAVE_OVERHEAD ? 131072 : 524288;
     expectGivenBackAfterEach(hostileChanges(BYTES), 1);
