@@ -612,6 +612,10 @@ TEST(NetCommunicatorDeathTest, OptionThatCannotBeSetFailsTheConstruction) {
     expectFailureWithout(SYS_setsockopt, SO_RCVBUF, "Failed to set rcv buffer size");
 }
 
+TEST(NetCommunicatorDeathTest, BindThatFailsFailsTheConstruction) {
+    expectFailureWithout(SYS_bind, std::nullopt, "Cannot bind server socker to PORT 3451");
+}
+
 TEST(NetCommunicatorDeathTest, ListenThatFailsFailsTheConstruction) {
     expectFailureWithout(SYS_listen, std::nullopt,
                          "Error during attemp to move the socket in listen state");
