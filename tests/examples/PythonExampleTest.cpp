@@ -88,6 +88,18 @@ TEST_F(PythonExampleTest, ARefusalNamesItsReason) {
     EXPECT_EQ(refused.error, "reticles.py: the device said no: RETICLE_CANT_BE_DELETED\n");
 }
 
+TEST_F(PythonExampleTest, WrongArgumentsGetTheUsage) {
+    const std::vector<std::vector<std::string>> wrong{
+        {}, {"show"}, {"list", "7"}, {"activate", "Duplex"}, {"add", "Ring"}, {"delete"}};
+    for (const std::vector<std::string>& arguments : wrong) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        const Run call = runExample(arguments);
+        EXPECT_EQ(call.status, 2);
+        EXPECT_EQ(call.output, "");
+        EXPECT_TRUE(call.error.starts_with("usage: reticles.py ")) << call.error;
+    }
+}
+
 TEST_F(PythonExampleTest, ServiceThatIsNotThere) {
     Sandbox::renewNetwork();
     const Run call = runExample({"list"});
