@@ -138,19 +138,20 @@ TEST_F(GalleryTest, ADrawingCloseToItsGroundStandsOnAnother) {
     expectSquareOn(openGallery("grey").screenshot, BLACK, GREY_GROUND);
 }
 
-/// Shows a page as narrow as a telephone, and says what is too wide or breaks its line.
-constexpr auto TELEPHONE =
-    R"html(<!DOCTYPE html><iframe style="width:320px;border:0" srcdoc="PAGE"></iframe>
-<script>onload = () => {
-    const page = document.querySelector('iframe').contentDocument;
-    const faults = page.documentElement.scrollWidth > 320 ? ['page is too wide'] : [];
-    const texts = page.querySelectorAll('label, h1, h2, .summary, .index, .colour, .facts > span, .badge, .foot a');
-    for (const element of texts) {
-        const range = page.createRange();
-        range.selectNodeContents(element.lastChild);
-        if (range.getClientRects().length !== 1) faults.push(element.textContent + ' breaks');
+/// Says of each page that is shown as narrow as a telephone what is too wide or breaks its line.
+constexpr auto INSPECTION = R"html(<script>onload = () => {
+    for (const telephone of document.querySelectorAll('iframe')) {
+        const page = telephone.contentDocument;
+        const width = telephone.clientWidth;
+        const faults = page.documentElement.scrollWidth > width ? ['page is too wide'] : [];
+        const texts = page.querySelectorAll('label, h1, h2, .summary, .index, .colour, .facts > span, .badge, .foot a');
+        for (const element of texts) {
+            const range = page.createRange();
+            range.selectNodeContents(element.lastChild);
+            if (range.getClientRects().length !== 1) faults.push(element.textContent + ' breaks');
+        }
+        document.body.append(`${width} pixels, ${texts.length} texts, faults: ${faults.join() || 'none'}.`);
     }
-    document.body.append(`${texts.length} texts, faults: ${faults.join() || 'none'}.`);
 };</script>)html";
 
 std::string asAttribute(const std::string& html) {
@@ -170,15 +171,25 @@ std::string asAttribute(const std::string& html) {
     return value;
 }
 
+/// A page within a page.
+std::string shownOn(const char* width, const std::string& html) {
+    return std::string("<iframe style=\"border:0\" width=\"") + width + "\" srcdoc=\"" +
+           asAttribute(html) + "\"></iframe>";
+}
+
 TEST_F(GalleryTest, NothingBreaksOnATelephone) {
-    flash.write("reticle/square.svg", SQUARE);
-    flash.write("reticle/notes", "notes");
-    startWith(LIST);
+    flash.write("notes", "notes");
+    simulator.emplace();
+    service.emplace();
+    service->waitUntilListening();
+    ASSERT_EQ(Reticlectl::run({"add", "Notes", "/tmp/FL0/notes"}).status, Reticlectl::DONE);
     ASSERT_EQ(Reticlectl::run({"gallery", "--output", PAGE}).status, Reticlectl::DONE);
-    std::string telephone = TELEPHONE;
-    telephone.replace(telephone.find("PAGE"), 4, asAttribute(contentOfFile(PAGE)));
-    flash.write("telephone.html", telephone);
-    expectPart(openInChromium("/tmp/FL0/telephone.html").dom, "17 texts, faults: none.");
+    const std::string page = contentOfFile(PAGE);
+    flash.write("telephones.html",
+                "<!DOCTYPE html>" + shownOn("320", page) + shownOn("360", page) + INSPECTION);
+    const std::string dom = openInChromium("/tmp/FL0/telephones.html").dom;
+    expectPart(dom, "320 pixels, 53 texts, faults: none.");
+    expectPart(dom, "360 pixels, 53 texts, faults: none.");
 }
 
 TEST_F(GalleryTest, HostilePicturesAndNamesDoNothing) {
