@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "tests/support/FrameClient.h"
 #include "tests/support/Patience.h"
@@ -19,6 +20,8 @@ using exchanges::LIST_REQUEST;
 
 constexpr std::size_t LONGEST_BODY_BYTES = 4194303;
 constexpr rlim_t STEP_BYTES = 1500000;
+/// Smaller than what a change's own list takes beside the parsed request.
+constexpr rlim_t SMALL_STEP_BYTES = 200000;
 constexpr rlim_t LESS_THAN_A_BODY_BYTES = 2000000;
 constexpr rlim_t MORE_THAN_A_THREAD_BYTES = 64000000;
 
@@ -47,6 +50,37 @@ protected:
         client.sendFrame(GET_ALL);
         EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
         return client.readReply();
+    }
+
+    /// Sends all, unless the service closes the connection before, for lack of memory for the body.
+    static void sendUntilClosed(FrameClient& sender, const std::string& request) {
+        try {
+            sender.sendFrame(request);
+        } catch (const std::system_error& failure) {
+            EXPECT_NE(failure.code(), std::errc::timed_out);
+        }
+    }
+
+    /// However much memory there is: in the least of it the request cannot be read, in the most the
+    /// RTOS gets its first message.
+    void expectExceptionOrMessage(const std::string& request, std::string_view message) {
+        std::string rtosRequest;
+        for (rlim_t bytes = STEP_BYTES; rtosRequest.empty(); bytes += SMALL_STEP_BYTES) {
+            FrameClient changing;
+            expectServed(changing, rtos);
+            const std::string errorsBefore = service.errors();
+            leaveOnly(bytes);
+            sendUntilClosed(changing, request);
+            EXPECT_TRUE(eventually(
+                [&] { return service.errors().size() > errorsBefore.size() || !rtos.isQuiet(); }));
+            leaveEverything();
+            if (!rtos.isQuiet()) {
+                rtosRequest = rtos.exchange(exchanges::FULL);
+            }
+        }
+        EXPECT_NE(rtosRequest.find(message), std::string::npos) << rtosRequest;
+        EXPECT_EQ(service.errors().find("Wrong json key"), std::string::npos);
+        EXPECT_EQ(service.errors().find("Error: json str"), std::string::npos);
     }
 
     FrameClient client;
@@ -130,25 +164,16 @@ TEST_F(MemoryShortageTest, ListIsWholeOrNotSent) {
 }
 
 TEST_F(MemoryShortageTest, DeletionIsNeverTakenForOneOfNothing) {
-    std::string request = R"({"action":"RETICLES_DELETE","indices":[1)";
-    request += repeated(",1", 50000) + "]}";
-    std::string rtosRequest;
-    for (rlim_t bytes = STEP_BYTES; rtosRequest.empty(); bytes += STEP_BYTES) {
-        FrameClient deleting;
-        expectServed(deleting, rtos);
-        const std::string errorsBefore = service.errors();
-        leaveOnly(bytes);
-        deleting.sendFrame(request);
-        EXPECT_TRUE(eventually(
-            [&] { return service.errors().size() > errorsBefore.size() || !rtos.isQuiet(); }));
-        leaveEverything();
-        if (!rtos.isQuiet()) {
-            rtosRequest = rtos.exchange(exchanges::FULL);
-        }
-    }
-    EXPECT_NE(rtosRequest.find("\"msg_id\" : 80"), std::string::npos) << rtosRequest;
-    EXPECT_EQ(service.errors().find("Wrong json key"), std::string::npos);
-    EXPECT_EQ(service.errors().find("Error: json str"), std::string::npos);
+    expectExceptionOrMessage(
+        R"({"action":"RETICLES_DELETE","indices":[1)" + repeated(",1", 50000) + "]}",
+        R"("msg_id" : 80)");
+}
+
+TEST_F(MemoryShortageTest, AdditionIsNeverTakenForOneOfNothing) {
+    const std::string record = R"({"name":"R","data":")" + std::string(2000, 'd') + "\"}";
+    expectExceptionOrMessage(R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[)" + record +
+                                 repeated("," + record, 1900) + "]}",
+                             R"("msg_id" : 78)");
 }
 
 }  // namespace
