@@ -88,7 +88,7 @@ std::size_t Storage::bytesOf(const ReticleList& list) const {
     for (const Reticle& reticle : list) {
         std::error_code missing;
         const std::uintmax_t size = fs::file_size(_reticles / reticle.fileName, missing);
-        bytes += missing ? 0 : size;
+        bytes += missing ? 0 : static_cast<std::size_t>(size);
     }
     return bytes;
 }
