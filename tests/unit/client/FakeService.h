@@ -57,8 +57,9 @@ private:
     std::thread _thread;
 };
 
-/// A script that takes one request, notes it in `requests` and answers with `bytes`. `requests`
-/// must outlive the service and not be read before it has ended or the client has its reply.
+/// A script that takes one request, notes it, if one came, in `requests` and answers with `bytes`.
+/// `requests` must outlive the service and not be read before it has ended or the client has its
+/// reply.
 FakeService::Script answering(std::string bytes, std::vector<std::string>* requests = nullptr);
 
 /// Asks the kernel for a loopback port that nobody listens on.
