@@ -1,6 +1,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <optional>
@@ -14,11 +15,15 @@
 #include "simulator/device/Device.h"
 #include "simulator/device/FaultyDevice.h"
 #include "simulator/device/Storage.h"
+#include "simulator/events/EventPrinter.h"
+#include "simulator/events/EventStream.h"
+#include "simulator/events/ObservedDevice.h"
+#include "simulator/events/ObservedState.h"
 #include "simulator/link/Server.h"
 #include "simulator/log/ServiceLog.h"
-#include "simulator/session/RecordingDevice.h"
 #include "simulator/session/ReplayDevice.h"
 #include "simulator/session/SessionReader.h"
+#include "simulator/session/SessionRecorder.h"
 #include "simulator/session/SessionWriter.h"
 
 namespace {
@@ -49,6 +54,30 @@ private:
     sim::Server _server;
 };
 
+/// The session that is written while simulating.
+class RecordedFile {
+public:
+    /// \throws std::runtime_error when it cannot be written.
+    RecordedFile(const sim::Options& options, sim::EventStream& events)
+        : _path(options.recordFile),
+          _file(_path, std::ios::binary | std::ios::trunc),
+          _recorder(options.root, _file) {
+        requireWritten();
+        events.subscribe([this](const sim::Event& event) { _recorder.record(event); });
+    }
+
+    void requireWritten() const {
+        if (!_file) {
+            throw std::runtime_error("cannot write " + _path.string());
+        }
+    }
+
+private:
+    std::filesystem::path _path;
+    std::ofstream _file;
+    sim::SessionRecorder _recorder;
+};
+
 std::ifstream openInput(const std::filesystem::path& path) {
     std::ifstream input(path, std::ios::binary);
     if (!input) {
@@ -66,18 +95,15 @@ sim::Session readSession(const std::filesystem::path& path) {
     }
 }
 
-/// Runs `exchange` and writes its session into `path`.
-void record(Loop& loop, const sim::ExchangeFunction& exchange, const sim::Options& options,
-            const std::string& what) {
-    std::ofstream session(options.recordFile, std::ios::binary | std::ios::trunc);
-    sim::RecordingDevice recording(exchange, options.root, session);
-    if (session) {
-        loop.run([&recording](const std::string& request) { return recording.exchange(request); },
-                 what);
-    }
-    if (!session) {
-        throw std::runtime_error("cannot write " + options.recordFile.string());
-    }
+/// Has `events` printed as the options say.
+void print(sim::EventStream& events, const sim::Options& options) {
+    events.subscribe([printer = sim::EventPrinter(std::cerr, options.isVerbose)](
+                         const sim::Event& event) mutable { printer.print(event); });
+}
+
+/// Has `events` published for each file that `storage` changes.
+void publishFiles(auto& storage, sim::EventStream& events) {
+    storage.observe([&events](const sim::FileChange& change) { events.publish(change); });
 }
 
 int simulate(const sim::Options& options) {
@@ -88,16 +114,28 @@ int simulate(const sim::Options& options) {
         sim::Device::restoreFactory(storage);
     }
     sim::Device device(storage, options.limits);
-    sim::FaultyDevice faulty(device, storage, options.faults, std::cerr, options.isVerbose);
-    const sim::ExchangeFunction exchange = [&faulty](const std::string& request) {
-        return faulty.exchange(request);
-    };
-    const std::string what = "root " + storage.rootText() + ", " +
-                             std::to_string(device.reticles().size()) + " reticles";
-    if (options.recordFile.empty()) {
-        loop.run(exchange, what);
-    } else {
-        record(loop, exchange, options, what);
+    sim::FaultyDevice faulty(device, storage, options.faults);
+
+    sim::EventStream events;
+    print(events, options);
+    std::optional<RecordedFile> session;
+    if (!options.recordFile.empty()) {
+        session.emplace(options, events);
+    }
+    publishFiles(storage, events);
+    sim::ObservedState state(device, faulty, events);
+    sim::ObservedDevice observed(
+        [&faulty, &state](const std::string& request) {
+            sim::Delivery delivery = faulty.exchange(request);
+            state.tell(false);
+            return delivery;
+        },
+        events);
+    loop.run([&observed](const std::string& request) { return observed.exchange(request); },
+             "root " + storage.rootText() + ", " + std::to_string(device.reticles().size()) +
+                 " reticles");
+    if (session) {
+        session->requireWritten();
     }
     return EXIT_SUCCESS;
 }
@@ -108,17 +146,19 @@ int replay(const sim::Options& options) {
                              std::to_string(session.exchanges.size()) + " exchanges";
     Loop loop(options);
     sim::ReplayDevice device(std::move(session), options.root);
-    loop.run(
-        [&loop, &device, &options](const std::string& request) {
+    sim::EventStream events;
+    print(events, options);
+    publishFiles(device, events);
+    sim::ObservedDevice observed(
+        [&loop, &device](const std::string& request) {
             sim::Delivery answer = device.exchange(request);
             if (!device.difference().empty()) {
                 loop.stop();
-            } else if (options.isVerbose) {
-                std::cerr << "rtos-sim: exchange " << device.played() << " played" << std::endl;
             }
             return answer;
         },
-        what);
+        events);
+    loop.run([&observed](const std::string& request) { return observed.exchange(request); }, what);
     if (device.difference().empty() && device.isComplete()) {
         std::cout << "rtos-sim: all " << device.played() << " exchanges played" << std::endl;
         return EXIT_SUCCESS;

@@ -7,18 +7,11 @@
 
 #include "simulator/base/JsonText.h"
 #include "simulator/device/FactoryReticles.h"
+#include "simulator/device/Message.h"
 
 namespace sim {
 
 namespace {
-
-enum MsgId : int {
-    GET_RETICLES = 76,
-    SET_ACTIVE_RETICLE = 77,
-    ADD_RETICLE = 78,
-    UPDATE_RETICLE = 79,
-    DELETE_RETICLE = 80,
-};
 
 /// What the user sees a new reticle in until the device's own menu changes it.
 constexpr const char* DEFAULT_USER_COLOR = "red";
@@ -103,11 +96,7 @@ Answer Device::answer(const Json::Value& request) {
     }
 }
 
-Answer Device::_setActive(const Json::Value& message) {
-    if (!message["param"].isInt()) {
-        return noIndex("param");
-    }
-    const int index = message["param"].asInt();
+Answer Device::setActive(int index) {
     ReticleList next = _reticles;
     if (findReticle(next, index) == next.end()) {
         return noSuchReticle(index);
@@ -119,24 +108,63 @@ Answer Device::_setActive(const Json::Value& message) {
     return {};
 }
 
+Answer Device::add(const std::string& name, std::string_view data) {
+    if (auto refused = _checkRoom()) {
+        return *refused;
+    }
+    return _append(name, _storage.keepNewData(data, _reticles));
+}
+
+Answer Device::remove(int index) {
+    ReticleList next = _reticles;
+    const auto reticle = findReticle(next, index);
+    if (reticle == next.end()) {
+        return noSuchReticle(index);
+    }
+    if (!reticle->isDeletable || reticle->isActive) {
+        return refusal(RETICLE_CANT_BE_DELETED,
+                       "reticle " + std::to_string(index) +
+                           (reticle->isActive ? " is the active one" : " came from the factory"));
+    }
+    next.erase(reticle);
+    _change(std::move(next));
+    return {};
+}
+
+Answer Device::edit(int index, const std::function<void(Reticle&)>& change) {
+    ReticleList next = _reticles;
+    const auto reticle = findReticle(next, index);
+    if (reticle == next.end()) {
+        return noSuchReticle(index);
+    }
+    change(*reticle);
+    return _store(std::move(next));
+}
+
+void Device::reset() {
+    std::size_t bytes = listText(factoryReticles()).size();
+    for (const auto& [fileName, text] : factoryReticleTexts()) {
+        bytes += text.size();
+    }
+    requireWithin(factoryReticles().size(), _limits.reticles, "reticles", "--max-reticles");
+    requireWithin(bytes, _limits.bytes, "bytes", "--max-bytes");
+    restoreFactory(_storage);
+    _reticles = factoryReticles();
+}
+
+Answer Device::_setActive(const Json::Value& message) {
+    return message["param"].isInt() ? setActive(message["param"].asInt()) : noIndex("param");
+}
+
 Answer Device::_add(const Json::Value& message) {
     if (auto refused = checkTexts(message)) {
         return *refused;
     }
-    if (_reticles.size() >= _limits.reticles) {
-        return refusal(RETICLES_COUNT_OUT_OF_BOUNDS,
-                       "the device holds " + std::to_string(_reticles.size()) + " reticles");
+    if (auto refused = _checkRoom()) {
+        return *refused;
     }
     const auto fileName = _storage.takeNewData(message["param3_data"].asString(), _reticles);
-    if (!fileName) {
-        return noSuchData(message);
-    }
-    const int index = lowestFreeIndex(_reticles);
-    ReticleList next = _reticles;
-    // Below `index` no number is missing, so that it is the new one's place in the list as well.
-    next.insert(next.begin() + index, {index, message["param2_name"].asString(), *fileName,
-                                       DEFAULT_USER_COLOR, true, false});
-    return _store(std::move(next));
+    return fileName ? _append(message["param2_name"].asString(), *fileName) : noSuchData(message);
 }
 
 Answer Device::_update(const Json::Value& message) {
@@ -162,23 +190,24 @@ Answer Device::_update(const Json::Value& message) {
 }
 
 Answer Device::_delete(const Json::Value& message) {
-    if (!message["param"].isInt()) {
-        return noIndex("param");
+    return message["param"].isInt() ? remove(message["param"].asInt()) : noIndex("param");
+}
+
+std::optional<Answer> Device::_checkRoom() const {
+    if (_reticles.size() < _limits.reticles) {
+        return std::nullopt;
     }
-    const int index = message["param"].asInt();
+    return refusal(RETICLES_COUNT_OUT_OF_BOUNDS,
+                   "the device holds " + std::to_string(_reticles.size()) + " reticles");
+}
+
+/// Of a reticle whose data is on the storage already.
+Answer Device::_append(const std::string& name, const std::string& fileName) {
+    const int index = lowestFreeIndex(_reticles);
     ReticleList next = _reticles;
-    const auto reticle = findReticle(next, index);
-    if (reticle == next.end()) {
-        return noSuchReticle(index);
-    }
-    if (!reticle->isDeletable || reticle->isActive) {
-        return refusal(RETICLE_CANT_BE_DELETED,
-                       "reticle " + std::to_string(index) +
-                           (reticle->isActive ? " is the active one" : " came from the factory"));
-    }
-    next.erase(reticle);
-    _change(std::move(next));
-    return {};
+    // Below `index` no number is missing, so that it is the new one's place in the list as well.
+    next.insert(next.begin() + index, {index, name, fileName, DEFAULT_USER_COLOR, true, false});
+    return _store(std::move(next));
 }
 
 /// Of new data, which is on the storage already.

@@ -3,7 +3,10 @@
 #include <json/value.h>
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "simulator/device/Answer.h"
 #include "simulator/device/ReticleList.h"
@@ -38,11 +41,25 @@ public:
 
     [[nodiscard]] const ReticleList& reticles() const { return _reticles; }
 
+    // What its user and its factory do; refused as the same message of the service would be.
+    // All \throw std::runtime_error when the storage fails; nothing is changed then.
+    [[nodiscard]] Answer setActive(int index);
+    [[nodiscard]] Answer add(const std::string& name, std::string_view data);
+    [[nodiscard]] Answer remove(int index);
+    /// \param change changes anything of the reticle but its index, file and activity
+    [[nodiscard]] Answer edit(int index, const std::function<void(Reticle&)>& change);
+
+    /// Goes back to the factory set.
+    /// \throws std::runtime_error also when that is beyond the limits.
+    void reset();
+
 private:
     [[nodiscard]] Answer _setActive(const Json::Value& message);
     [[nodiscard]] Answer _add(const Json::Value& message);
     [[nodiscard]] Answer _update(const Json::Value& message);
     [[nodiscard]] Answer _delete(const Json::Value& message);
+    [[nodiscard]] std::optional<Answer> _checkRoom() const;
+    [[nodiscard]] Answer _append(const std::string& name, const std::string& fileName);
     [[nodiscard]] Answer _store(ReticleList next);
     void _change(ReticleList next);
 

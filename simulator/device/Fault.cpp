@@ -87,6 +87,11 @@ const KindRow& findKind(std::string_view name) {
     return *row;
 }
 
+const KindRow& rowOf(FaultKind kind) {
+    return *std::find_if(KINDS.begin(), KINDS.end(),
+                         [kind](const KindRow& row) { return row.kind == kind; });
+}
+
 int parseArgument(const KindRow& kind, const std::optional<std::string_view>& text) {
     const std::string name(kind.name);
     if (kind.argument.empty()) {
@@ -131,6 +136,17 @@ Fault parseFault(const std::string& text) {
             parseNumber(*exchange, 1, std::numeric_limits<int>::max(), "N of @N"));
     }
     return fault;
+}
+
+std::vector<std::string> faultTexts(const std::vector<Fault>& faults) {
+    std::vector<std::string> texts;
+    for (const Fault& fault : faults) {
+        const KindRow& kind = rowOf(fault.kind);
+        texts.push_back(std::string(kind.name) +
+                        (kind.argument.empty() ? "" : ":" + std::to_string(fault.argument)) +
+                        (fault.exchange ? "@" + std::to_string(*fault.exchange) : ""));
+    }
+    return texts;
 }
 
 std::string faultHelp() {

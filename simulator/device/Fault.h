@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace sim {
 
@@ -36,6 +37,9 @@ struct Fault {
 /// Reads KIND[:ARG][@N].
 /// \throws std::invalid_argument that says what is wrong with `text`.
 [[nodiscard]] Fault parseFault(const std::string& text);
+
+/// `faults` as `parseFault` reads them.
+[[nodiscard]] std::vector<std::string> faultTexts(const std::vector<Fault>& faults);
 
 /// What `--help` says of the faults: one paragraph for each kind.
 [[nodiscard]] std::string faultHelp();

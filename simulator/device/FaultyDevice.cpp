@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <exception>
 #include <iterator>
-#include <ostream>
 #include <stdexcept>
 #include <utility>
 
@@ -52,6 +51,10 @@ void spoil(Delivery& delivery, const Fault& fault) {
     }
 }
 
+bool isListFault(FaultKind kind) {
+    return kind >= FaultKind::NO_PARAM && kind <= FaultKind::MISSING_FILE;
+}
+
 /// \throws std::runtime_error that says on one line what is wrong with `request`.
 Json::Value parse(const std::string& request) {
     if (request.size() > RequestSplitter::MAX_REQUEST_BYTES) {
@@ -61,45 +64,13 @@ Json::Value parse(const std::string& request) {
     return parseJson(request);
 }
 
-/// What the service receives, and when, in words.
-std::string describe(const Delivery& delivery) {
-    std::string text = delivery.bytes.empty() ? "nothing" : delivery.bytes;
-    if (delivery.delay.count() > 0) {
-        text += ", after " + std::to_string(delivery.delay.count()) + " ms";
-    }
-    if (delivery.gap) {
-        text += ", in two segments " + std::to_string(delivery.gap->count()) + " ms apart";
-    }
-    if (delivery.end != Delivery::End::KEEP_OPEN) {
-        text += delivery.end == Delivery::End::CLOSE ? ", then FIN" : ", then RST";
-    }
-    return text;
-}
-
-/// `request` on one line: without its blanks, or quoted and not too long if it is not JSON.
-std::string onOneLine(const std::string& request) {
-    constexpr std::size_t MAX_SHOWN_BYTES = 1000;
-    try {
-        return compactJson(parse(request));
-    } catch (const std::exception&) {
-        return "not JSON: " + compactJson(request.substr(0, MAX_SHOWN_BYTES)) +
-               (request.size() > MAX_SHOWN_BYTES
-                    ? " ... (" + std::to_string(request.size()) + " bytes)"
-                    : "");
-    }
-}
-
 }  // namespace
 
-FaultyDevice::FaultyDevice(Device& device, Storage& storage, std::vector<Fault> faults,
-                           std::ostream& log, bool isVerbose)
-    : _device(device),
-      _storage(storage),
-      _faults(std::move(faults)),
-      _log(log),
-      _isVerbose(isVerbose) {
-    std::stable_sort(_faults.begin(), _faults.end(),
-                     [](const Fault& left, const Fault& right) { return left.kind < right.kind; });
+FaultyDevice::FaultyDevice(Device& device, Storage& storage, const std::vector<Fault>& faults)
+    : _device(device), _storage(storage) {
+    for (const Fault& fault : faults) {
+        arm(fault);
+    }
 }
 
 Delivery FaultyDevice::exchange(const std::string& request) {
@@ -107,34 +78,54 @@ Delivery FaultyDevice::exchange(const std::string& request) {
     std::vector<Fault> faults;
     std::copy_if(_faults.begin(), _faults.end(), std::back_inserter(faults),
                  [this](const Fault& fault) { return fault.hits(_count); });
-    const Answer answer = _answer(request, faults);
+    std::erase_if(_faults, [this](const Fault& fault) { return fault.exchange == _count; });
+    Answer answer = _answer(request, faults);
     Delivery delivery;
     delivery.bytes = answerText(answer);
-    for (const Fault& fault : faults) {
+    delivery.retVal = answer.retVal;
+    delivery.reason = std::move(answer.reason);
+    for (Fault& fault : faults) {
         spoil(delivery, fault);
+        fault.exchange.reset();
     }
-    // What makes no sense is a mistake of the service or of a test: nobody should have to look for
-    // it.
-    if (_isVerbose || (answer.retVal == UNKNOWN_ACTION && !answer.reason.empty())) {
-        _tell(request, answer, delivery);
-    }
+    delivery.faults = faultTexts(faults);
     return delivery;
 }
 
-Answer FaultyDevice::_answer(const std::string& request, const std::vector<Fault>& faults) {
+void FaultyDevice::arm(const Fault& fault) {
+    std::erase_if(_faults, [&fault](const Fault& armed) {
+        return armed.kind == fault.kind && armed.exchange == fault.exchange;
+    });
+    const auto later = std::upper_bound(
+        _faults.begin(), _faults.end(), fault,
+        [](const Fault& left, const Fault& right) { return left.kind < right.kind; });
+    _faults.insert(later, fault);
+}
+
+/// Leaves in `faults` those that concern this request.
+Answer FaultyDevice::_answer(const std::string& request, std::vector<Fault>& faults) {
+    Answer answer = _decide(request, faults);
+    if (!answer.listFile) {
+        std::erase_if(faults, [](const Fault& fault) { return isListFault(fault.kind); });
+    }
+    try {
+        for (const Fault& fault : faults) {
+            _spoilList(answer, fault);
+        }
+        return answer;
+    } catch (const std::exception& error) {
+        return {UNKNOWN_ACTION, std::nullopt, error.what()};
+    }
+}
+
+Answer FaultyDevice::_decide(const std::string& request, const std::vector<Fault>& faults) {
     for (const Fault& fault : faults) {
         if (fault.kind == FaultKind::REFUSE) {
             return {fault.argument, std::nullopt, ""};
         }
     }
     try {
-        Answer answer = _device.answer(parse(request));
-        if (answer.listFile) {
-            for (const Fault& fault : faults) {
-                _spoilList(answer, fault);
-            }
-        }
-        return answer;
+        return _device.answer(parse(request));
     } catch (const std::exception& error) {
         return {UNKNOWN_ACTION, std::nullopt, error.what()};
     }
@@ -162,16 +153,6 @@ void FaultyDevice::_spoilList(Answer& answer, const Fault& fault) {
             return;
     }
     answer.listFile = Storage::FAULTY_LIST_FILE;
-}
-
-void FaultyDevice::_tell(const std::string& request, const Answer& answer,
-                         const Delivery& delivery) {
-    const std::string head = "rtos-sim: exchange " + std::to_string(_count) + ": ";
-    _log << head << "request " << onOneLine(request) << '\n';
-    if (!answer.reason.empty()) {
-        _log << head << "refused, " << answer.reason << '\n';
-    }
-    _log << head << "answer " << describe(delivery) << std::endl;
 }
 
 }  // namespace sim

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -21,27 +20,35 @@ namespace sim {
 /// contradict each other the one further down in FaultKind wins. One thread.
 class FaultyDevice {
 public:
-    /// \param device, storage, log outlive this object; `storage` is that of the device
-    /// \param log where requests that make no sense are reported
-    /// \param isVerbose whether `log` gets every exchange
-    FaultyDevice(Device& device, Storage& storage, std::vector<Fault> faults, std::ostream& log,
-                 bool isVerbose);
+    /// \param device, storage outlive this object; `storage` is that of the device
+    FaultyDevice(Device& device, Storage& storage, const std::vector<Fault>& faults);
 
     /// One exchange. A request that is malformed, or that the storage fails, is answered with
-    /// UNKNOWN_ACTION and gets a line on the log. Never throws.
+    /// UNKNOWN_ACTION and a reason. Never throws.
     [[nodiscard]] Delivery exchange(const std::string& request);
 
+    /// Lets `fault` happen besides those that are armed; in the place of one of its kind on the same
+    /// exchange.
+    void arm(const Fault& fault);
+
+    /// Lets nothing go wrong any more.
+    void disarm() { _faults.clear(); }
+
+    /// What can still hit an exchange, in the order of effect.
+    [[nodiscard]] const std::vector<Fault>& faults() const { return _faults; }
+
+    /// Exchanges so far.
+    [[nodiscard]] std::size_t count() const { return _count; }
+
 private:
-    [[nodiscard]] Answer _answer(const std::string& request, const std::vector<Fault>& faults);
+    [[nodiscard]] Answer _answer(const std::string& request, std::vector<Fault>& faults);
+    [[nodiscard]] Answer _decide(const std::string& request, const std::vector<Fault>& faults);
     void _spoilList(Answer& answer, const Fault& fault);
-    void _tell(const std::string& request, const Answer& answer, const Delivery& delivery);
 
     Device& _device;
     Storage& _storage;
     std::vector<Fault> _faults;
-    std::ostream& _log;
-    bool _isVerbose;
-    std::size_t _count = 0;  ///< exchanges so far
+    std::size_t _count = 0;
 };
 
 }  // namespace sim

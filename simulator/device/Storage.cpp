@@ -62,12 +62,12 @@ std::optional<ReticleList> Storage::load() const {
 }
 
 void Storage::save(const ReticleList& list) {
-    replaceFile(_root / LIST_FILE, listText(list));
+    _replace(LIST_FILE, listText(list));
     removeUnlisted(list);
 }
 
 void Storage::writeReticle(const std::string& fileName, std::string_view text) {
-    replaceFile(_reticles / fileName, text);
+    _replace(RETICLES_DIRECTORY + fileName, text);
 }
 
 std::optional<std::string> Storage::takeNewData(const std::string& deviceName,
@@ -80,6 +80,13 @@ std::optional<std::string> Storage::takeNewData(const std::string& deviceName,
     const fs::path target = _reticles / fileName;
     fs::copy_file(*source, aside(target), fs::copy_options::overwrite_existing);
     fs::rename(aside(target), target);
+    _observer({RETICLES_DIRECTORY + fileName, fs::file_size(target)});
+    return fileName;
+}
+
+std::string Storage::keepNewData(std::string_view text, const ReticleList& list) {
+    std::string fileName = freeFileName(list);
+    writeReticle(fileName, text);
     return fileName;
 }
 
@@ -103,15 +110,21 @@ void Storage::removeUnlisted(const ReticleList& list) {
     }
     for (const fs::path& path : unlisted) {
         fs::remove(path);
+        _observer({RETICLES_DIRECTORY + path.filename().string(), std::nullopt});
     }
 }
 
 void Storage::writeFaultyList(std::string_view text) {
-    replaceFile(_root / FAULTY_LIST_FILE, text);
+    _replace(FAULTY_LIST_FILE, text);
 }
 
 std::string Storage::rootText() const {
     return (_root / "").string();
+}
+
+void Storage::_replace(const std::string& name, std::string_view text) {
+    replaceFile(_root / name, text);
+    _observer({name, text.size()});
 }
 
 std::optional<fs::path> Storage::_resolve(const std::string& deviceName) const {

@@ -4,7 +4,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "simulator/base/FileChange.h"
 #include "simulator/device/ReticleList.h"
 
 namespace sim {
@@ -51,21 +53,29 @@ public:
     /// takes none.
     [[nodiscard]] std::size_t bytesOf(const ReticleList& list) const;
 
+    /// Keeps `text` as a new reticle file; else as `takeNewData`.
+    [[nodiscard]] std::string keepNewData(std::string_view text, const ReticleList& list);
+
     /// Removes new data that `list` does not name, as `save` does.
     void removeUnlisted(const ReticleList& list);
 
     /// Writes FAULTY_LIST_FILE.
     void writeFaultyList(std::string_view text);
 
+    /// Tells `observer` of each change from now on.
+    void observe(FileObserver observer) { _observer = std::move(observer); }
+
     /// As people see it, with a slash at its end.
     [[nodiscard]] std::string rootText() const;
 
 private:
+    void _replace(const std::string& name, std::string_view text);
     [[nodiscard]] std::optional<std::filesystem::path> _resolve(
         const std::string& deviceName) const;
 
     std::filesystem::path _root;
     std::filesystem::path _reticles;
+    FileObserver _observer = [](const FileChange& /*change*/) {};
 };
 
 }  // namespace sim

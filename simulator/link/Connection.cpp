@@ -21,6 +21,12 @@ Connection::Connection(asio::ip::tcp::socket socket, ExchangeFunction exchange, 
     _socket.set_option(asio::ip::tcp::no_delay(true), ignored);
 }
 
+void Connection::close() {
+    asio::error_code ignored;
+    _socket.close(ignored);
+    _timer.cancel();
+}
+
 void Connection::_read() {
     _socket.async_read_some(asio::buffer(_received),
                             [self = shared_from_this()](const auto& error, std::size_t size) {
@@ -41,6 +47,9 @@ void Connection::_onRead(const asio::error_code& error, std::size_t size) {
 }
 
 void Connection::_answerNext() {
+    if (!_socket.is_open()) {
+        return;
+    }
     if (const std::optional<std::string> request = _requests.next()) {
         _delivery = _exchange(*request);
         _wait(_delivery.delay, &Connection::_sendFirst);

@@ -25,6 +25,9 @@ public:
 
     void start() { _read(); }
 
+    /// Ends the connection, whatever it is at.
+    void close();
+
 private:
     void _read();
     void _onRead(const asio::error_code& error, std::size_t size);

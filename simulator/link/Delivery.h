@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace sim {
 
@@ -16,6 +17,11 @@ struct Delivery {
     std::chrono::milliseconds delay{0};
     std::optional<std::chrono::milliseconds> gap;  ///< between the two halves; none: in one send
     End end = End::KEEP_OPEN;
+
+    // What onlookers learn; it does not travel.
+    std::optional<int> retVal{};  ///< as the device decided, before faults; none when replayed
+    std::string reason{};         ///< of a refusal
+    std::vector<std::string> faults{};  ///< that spoiled the answer, as --fault takes them
 };
 
 /// The device's side of one exchange: a request text in, the answer's way out. Never throws.

@@ -1,12 +1,18 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
+#include <memory>
+#include <vector>
 
 #include <asio/io_context.hpp>
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
 
+#include "simulator/link/Connection.h"
 #include "simulator/link/Delivery.h"
 
 namespace sim {
@@ -26,16 +32,31 @@ public:
     /// \param exchange asked for each request of each connection, one at a time
     void start(ExchangeFunction exchange);
 
+    /// Ends all connections and listens no more until `down` has passed; not at all where it is 0.
+    /// \param whenUp called when it listens again: at the end of the time, or later where the port
+    ///        has been taken meanwhile. A restart amid another one takes its place.
+    void restart(std::chrono::milliseconds down, std::function<void()> whenUp);
+
+    /// Whether it listens.
+    [[nodiscard]] bool isUp() const { return _acceptor.is_open(); }
+
     /// The port that it listens on.
-    [[nodiscard]] std::uint16_t port() const { return _acceptor.local_endpoint().port(); }
+    [[nodiscard]] std::uint16_t port() const { return _port; }
 
 private:
     void _accept();
+    void _serve(asio::ip::tcp::socket socket);
+    void _goUp();
+    void _wait(std::chrono::milliseconds time, void (Server::*then)());
 
     std::ostream& _log;
     asio::ip::tcp::acceptor _acceptor;
-    asio::steady_timer _retry;
+    std::uint16_t _port;
+    asio::steady_timer _timer;
+    std::size_t _life = 0;  ///< restarts so far: what was begun before the last one is over
     ExchangeFunction _exchange;
+    std::vector<std::weak_ptr<Connection>> _connections;
+    std::function<void()> _whenUp;
 };
 
 }  // namespace sim

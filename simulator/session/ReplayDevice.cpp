@@ -51,6 +51,7 @@ Delivery ReplayDevice::exchange(const std::string& request) {
         const Exchange& exchange = _session.exchanges[_played];
         for (const SessionFile& file : exchange.files) {
             replaceFile(_root / file.name, file.text);
+            _observer({file.name, file.text.size()});
         }
         ++_played;
         return exchange.answer;

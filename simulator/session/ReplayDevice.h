@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "simulator/base/FileChange.h"
 #include "simulator/link/Delivery.h"
 #include "simulator/session/Session.h"
 
@@ -25,12 +27,16 @@ public:
     /// that cannot be written counts as a difference. Never throws.
     [[nodiscard]] Delivery exchange(const std::string& request);
 
+    /// Tells `observer` of each file that it writes from now on.
+    void observe(FileObserver observer) { _observer = std::move(observer); }
+
     /// The first thing that differed, what was expected and what came instead, in lines for people;
     /// empty while nothing has.
     [[nodiscard]] const std::string& difference() const { return _difference; }
 
     [[nodiscard]] std::size_t played() const { return _played; }
-    [[nodiscard]] bool isComplete() const { return _played == _session.exchanges.size(); }
+    [[nodiscard]] std::size_t size() const { return _session.exchanges.size(); }
+    [[nodiscard]] bool isComplete() const { return _played == size(); }
 
     /// Which exchange comes next and what it expects, in lines for people. Not when complete.
     [[nodiscard]] std::string expectation() const;
@@ -45,6 +51,7 @@ private:
     std::filesystem::path _root;
     std::size_t _played = 0;
     std::string _difference;
+    FileObserver _observer = [](const FileChange& /*change*/) {};
 };
 
 }  // namespace sim

@@ -7,7 +7,11 @@
 #include <string_view>
 #include <vector>
 
+#include "simulator/base/EscapedText.h"
 #include "simulator/device/FaultyDevice.h"
+#include "simulator/events/EventJson.h"
+#include "simulator/events/EventText.h"
+#include "simulator/events/ObservedDevice.h"
 #include "simulator/link/RequestSplitter.h"
 #include "tests/fuzz/FuzzInput.h"
 #include "tests/fuzz/FuzzTarget.h"
@@ -43,7 +47,14 @@ void answerAll(const std::vector<std::string>& requests) {
     storage.save(
         {{0, "Dot", "user-0", "red", true, false}, {1, "Ring", "user-1", "", false, true}});
     sim::Device device(storage, {.reticles = MAX_RETICLES});
-    sim::FaultyDevice exchanges(device, storage, {}, std::cerr, true);
+    sim::FaultyDevice faulty(device, storage, {});
+    sim::EventStream events;
+    events.subscribe([](const sim::Event& event) {
+        require(sim::isPlainText(sim::eventJson(event)), "an event is plain text");
+        std::cerr << sim::eventText(event) << '\n';
+    });
+    sim::ObservedDevice exchanges(
+        [&faulty](const std::string& request) { return faulty.exchange(request); }, events);
     for (std::size_t i = 0; i < std::min(requests.size(), MAX_REQUESTS); ++i) {
         const sim::Delivery delivery = exchanges.exchange(requests[i]);
         require(delivery.bytes.size() <= sim::MAX_ANSWER_BYTES, "an answer fits");

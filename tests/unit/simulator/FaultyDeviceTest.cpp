@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <iterator>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -18,7 +17,7 @@
 namespace sim {
 namespace {
 
-using testing::HasSubstr;
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -31,10 +30,10 @@ constexpr const char* NOT_UNDERSTOOD = R"([{"ret_val":8}])";
 
 class FaultyDeviceTest : public testing::Test {
 protected:
-    FaultyDevice withFaults(const std::vector<std::string>& texts, bool isVerbose = false) {
+    FaultyDevice withFaults(const std::vector<std::string>& texts) {
         std::vector<Fault> faults;
         std::transform(texts.begin(), texts.end(), std::back_inserter(faults), parseFault);
-        return {_device, _storage, faults, _log, isVerbose};
+        return {_device, _storage, faults};
     }
 
     bool isActive(int index) {
@@ -45,7 +44,6 @@ protected:
     test::TemporaryRoot _root;
     Storage _storage{_root.path()};
     Device _device{_storage, {}};
-    std::ostringstream _log;
 };
 
 void expectPlain(const Delivery& delivery, const std::string& bytes) {
@@ -60,41 +58,41 @@ TEST_F(FaultyDeviceTest, answersPlainlyWithoutFaults) {
     expectPlain(device.exchange(LIST), LISTED);
     expectPlain(device.exchange(ACTIVATE_3), DONE);
     EXPECT_TRUE(isActive(3));
-    EXPECT_THAT(_log.str(), IsEmpty());
 }
 
-TEST_F(FaultyDeviceTest, answersMalformedRequestsAndSaysSo) {
+TEST_F(FaultyDeviceTest, answersMalformedRequestsAndSaysWhy) {
     FaultyDevice device = withFaults({});
-    expectPlain(device.exchange("hello"), NOT_UNDERSTOOD);
-    EXPECT_THAT(_log.str(), StartsWith("rtos-sim: exchange 1: request not JSON: \"hello\"\n"
-                                       "rtos-sim: exchange 1: refused, * Line 1, Column 1"));
-    EXPECT_THAT(_log.str(), HasSubstr("\nrtos-sim: exchange 1: answer [{\"ret_val\":8}]\n"));
-    expectPlain(device.exchange(R"([{"msg_id":75}])"), NOT_UNDERSTOOD);
-    EXPECT_THAT(_log.str(), HasSubstr("rtos-sim: exchange 2: refused, unknown \"msg_id\" 75\n"));
+    const Delivery answer = device.exchange("hello");
+    expectPlain(answer, NOT_UNDERSTOOD);
+    EXPECT_EQ(answer.retVal, UNKNOWN_ACTION);
+    EXPECT_THAT(answer.reason, StartsWith("* Line 1, Column 1"));
+    EXPECT_EQ(device.exchange(R"([{"msg_id":75}])").reason, "unknown \"msg_id\" 75");
 }
 
 TEST_F(FaultyDeviceTest, answersWhatTheStorageFails) {
     std::filesystem::create_directory(_root.path() / "reticle_list.json.aside");
     FaultyDevice device = withFaults({});
-    expectPlain(device.exchange(ACTIVATE_3), NOT_UNDERSTOOD);
-    EXPECT_THAT(_log.str(), HasSubstr("refused, cannot write "));
+    const Delivery answer = device.exchange(ACTIVATE_3);
+    expectPlain(answer, NOT_UNDERSTOOD);
+    EXPECT_THAT(answer.reason, StartsWith("cannot write "));
     EXPECT_FALSE(isActive(3));
 }
 
-TEST_F(FaultyDeviceTest, tellsEveryExchangeWhenVerbose) {
-    FaultyDevice device = withFaults({"delay:7", "split:9@2", "reset@3"}, true);
-    (void)device.exchange("[\n\t{\n\t\t\"msg_id\" : 80,\n\t\t\"param\" : 0\n\t}\n]");
-    (void)device.exchange(ACTIVATE_3);
+TEST_F(FaultyDeviceTest, namesTheFaultsThatSpoiledTheAnswer) {
+    FaultyDevice device = withFaults({"reset@2", "bad-list", "delay:7", "silent@3"});
+    EXPECT_THAT(device.exchange(ACTIVATE_3).faults, ElementsAre("delay:7"));
+    EXPECT_THAT(device.exchange(LIST).faults, ElementsAre("bad-list", "delay:7", "reset"));
+}
+
+TEST_F(FaultyDeviceTest, keepsOnlyFaultsThatAreStillToCome) {
+    FaultyDevice device = withFaults({"silent@1", "delay:7", "close@2"});
     (void)device.exchange(LIST);
-    EXPECT_EQ(_log.str(),
-              "rtos-sim: exchange 1: request [{\"msg_id\":80,\"param\":0}]\n"
-              "rtos-sim: exchange 1: refused, reticle 0 is the active one\n"
-              "rtos-sim: exchange 1: answer [{\"ret_val\":7}], after 7 ms\n"
-              "rtos-sim: exchange 2: request [{\"msg_id\":77,\"param\":3}]\n"
-              "rtos-sim: exchange 2: answer [{\"ret_val\":0}], after 7 ms, "
-              "in two segments 9 ms apart\n"
-              "rtos-sim: exchange 3: request [{\"msg_id\":76,\"param_get\":\"\"}]\n"
-              "rtos-sim: exchange 3: answer nothing, after 7 ms, then RST\n");
+    EXPECT_THAT(faultTexts(device.faults()), ElementsAre("delay:7", "close@2"));
+    device.arm({FaultKind::DELAY, 9, std::nullopt});
+    device.arm({FaultKind::DELAY, 3, 5});
+    EXPECT_THAT(faultTexts(device.faults()), ElementsAre("delay:9", "delay:3@5", "close@2"));
+    device.disarm();
+    expectPlain(device.exchange(LIST), LISTED);
 }
 
 TEST_F(FaultyDeviceTest, countsExchangesOfAllKinds) {
@@ -116,7 +114,6 @@ TEST_F(FaultyDeviceTest, refusesWithoutCarryingOut) {
     expectPlain(device.exchange(ACTIVATE_3), R"([{"ret_val":42}])");
     EXPECT_FALSE(isActive(3));
     expectPlain(device.exchange(ACTIVATE_3), DONE);
-    EXPECT_THAT(_log.str(), IsEmpty());
 }
 
 TEST_F(FaultyDeviceTest, carriesOutWhatItsAnswerDoesNotSay) {

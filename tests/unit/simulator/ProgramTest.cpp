@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 #include <random>
+#include <regex>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -106,14 +107,17 @@ TEST_F(ProgramTest, saysThatItCannotReadItsState) {
     EXPECT_EQ(LoopbackClient(portOf(restored)).exchange(LIST), LISTED);
 }
 
-TEST_F(ProgramTest, printsExchangesOnStandardErrorWhenVerbose) {
+TEST_F(ProgramTest, printsEventsOnStandardErrorWhenVerbose) {
     Process program(command({"--verbose", "--fault", "refuse:6@1"}));
     EXPECT_EQ(LoopbackClient(portOf(program)).exchange(LIST), R"([{"ret_val":6}])");
     program.child().kill(SIGTERM);
     EXPECT_EQ(program.waitForEnd(), 0);
-    EXPECT_EQ(program.standardError(),
-              "rtos-sim: exchange 1: request [{\"msg_id\":76,\"param_get\":\"\"}]\n"
-              "rtos-sim: exchange 1: answer [{\"ret_val\":6}]\n");
+    const std::regex time("[0-9-]{10}T[0-9:]{8}[.][0-9]{3}Z");
+    EXPECT_EQ(std::regex_replace(program.standardError(), time, "TIME"),
+              "rtos-sim: TIME #1 exchange 1: received GET_RETICLES: "
+              "[{\"msg_id\":76,\"param_get\":\"\"}]\n"
+              "rtos-sim: TIME #2 faults armed: none\n"
+              "rtos-sim: TIME #3 exchange 1: spoiled by refuse:6: [{\"ret_val\":6}]\n");
 }
 
 TEST_F(ProgramTest, keepsItsStateOverARestartUntilReset) {

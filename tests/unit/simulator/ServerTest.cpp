@@ -7,7 +7,6 @@
 #include <string>
 #include <system_error>
 #include <thread>
-#include <utility>
 #include <vector>
 
 #include "simulator/device/Device.h"
@@ -34,8 +33,8 @@ constexpr const char* NOT_UNDERSTOOD = R"([{"ret_val":8}])";
 /// A whole simulator, its server on a thread of its own.
 class RunningSimulator {
 public:
-    explicit RunningSimulator(std::vector<Fault> faults = {})
-        : _faulty(_device, _storage, std::move(faults), _log, false) {
+    explicit RunningSimulator(const std::vector<Fault>& faults = {})
+        : _faulty(_device, _storage, faults) {
         _server.start([this](const std::string& request) { return _faulty.exchange(request); });
         _thread = std::thread([this] { _io.run(); });
     }
@@ -150,12 +149,6 @@ TEST(Server, refusesARequestThatIsTooLongAndGoesOn) {
     EXPECT_EQ(client.exchange("[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES, 'x') + "\"]"),
               NOT_UNDERSTOOD);
     EXPECT_EQ(client.exchange(LIST), LISTED);
-    simulator.stop();
-    EXPECT_EQ(simulator.log(),
-              "rtos-sim: exchange 1: request not JSON: \"[\\\"" + std::string(998, 'x') +
-                  "\" ... (16777217 bytes)\n"
-                  "rtos-sim: exchange 1: refused, the request is longer than 16777216 bytes\n"
-                  "rtos-sim: exchange 1: answer [{\"ret_val\":8}]\n");
 }
 
 TEST(Server, takesARequestAsLongAsTheyGet) {

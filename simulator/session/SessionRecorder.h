@@ -3,37 +3,37 @@
 #include <filesystem>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "simulator/link/Delivery.h"
+#include "simulator/events/Event.h"
 #include "simulator/session/ChangedFiles.h"
 #include "simulator/session/Session.h"
 #include "simulator/session/SessionWriter.h"
 
 namespace sim {
 
-/// A device whose exchanges are written down as a session, one after the other as they happen.
-/// One thread.
-class RecordingDevice {
+/// Writes exchanges down as a session, one after the other as they happen. One thread.
+class SessionRecorder {
 public:
-    /// \param device carries out the exchanges
     /// \param root the storage that device and service share
     /// \param session where they are written; outlives this object, and its state tells whether
     ///        writing has succeeded
-    RecordingDevice(ExchangeFunction device, std::filesystem::path root, std::ostream& session);
+    SessionRecorder(std::filesystem::path root, std::ostream& session);
 
-    /// One exchange of the device. What the storage or `session` fails is missing in the session,
-    /// not in the exchange. Never throws.
-    [[nodiscard]] Delivery exchange(const std::string& request);
+    /// Takes what it needs from `event`. What the storage or `session` fails is missing in the
+    /// session. Never throws.
+    void record(const Event& event);
 
 private:
-    [[nodiscard]] std::vector<SessionFile> _newData(const std::string& request) const;
+    void _record(const Answered& answered);
+    [[nodiscard]] std::vector<SessionFile> _dataFor(const std::string& request) const;
     [[nodiscard]] std::vector<SessionFile> _filesShown(const std::string& answer) const;
 
-    ExchangeFunction _device;
     std::filesystem::path _root;
     SessionWriter _session;
     ChangedFiles _changedFiles;
+    std::vector<SessionFile> _newData;  ///< of the exchange that has no answer yet
 };
 
 }  // namespace sim

@@ -1,28 +1,36 @@
-#include "simulator/session/RecordingDevice.h"
+#include "simulator/session/SessionRecorder.h"
 
 #include <optional>
 #include <utility>
+#include <variant>
 
 #include "simulator/base/Files.h"
 #include "simulator/base/NamedFiles.h"
 
 namespace sim {
 
-RecordingDevice::RecordingDevice(ExchangeFunction device, std::filesystem::path root,
-                                 std::ostream& session)
-    : _device(std::move(device)), _root(std::move(root)), _session(session) {}
+SessionRecorder::SessionRecorder(std::filesystem::path root, std::ostream& session)
+    : _root(std::move(root)), _session(session) {}
 
-Delivery RecordingDevice::exchange(const std::string& request) {
-    Exchange exchange;
-    exchange.request = request;
-    exchange.newData = _newData(request);
-    exchange.answer = _device(request);
-    exchange.files = _changedFiles.of(_filesShown(exchange.answer.bytes));
-    _session.writeExchange(exchange);
-    return std::move(exchange.answer);
+void SessionRecorder::record(const Event& event) {
+    if (const auto* received = std::get_if<Received>(&event.what)) {
+        // Before the device acts: the service may reuse the file right after the answer.
+        _newData = _dataFor(std::string(received->request));
+    } else if (const auto* answered = std::get_if<Answered>(&event.what)) {
+        _record(*answered);
+    }
 }
 
-std::vector<SessionFile> RecordingDevice::_newData(const std::string& request) const {
+void SessionRecorder::_record(const Answered& answered) {
+    Exchange exchange;
+    exchange.request = answered.request;
+    exchange.newData = std::move(_newData);
+    exchange.answer = answered.delivery;
+    exchange.files = _changedFiles.of(_filesShown(exchange.answer.bytes));
+    _session.writeExchange(exchange);
+}
+
+std::vector<SessionFile> SessionRecorder::_dataFor(const std::string& request) const {
     const std::optional<std::string> name = newDataNamedBy(request);
     if (!name) {
         return {};
@@ -31,7 +39,7 @@ std::vector<SessionFile> RecordingDevice::_newData(const std::string& request) c
     return text ? std::vector<SessionFile>{{*name, *std::move(text)}} : std::vector<SessionFile>{};
 }
 
-std::vector<SessionFile> RecordingDevice::_filesShown(const std::string& answer) const {
+std::vector<SessionFile> SessionRecorder::_filesShown(const std::string& answer) const {
     std::vector<SessionFile> files;
     const std::optional<std::string> listFile = listFileNamedBy(answer);
     const std::optional<std::string> list = listFile ? readFile(_root / *listFile) : std::nullopt;

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <string>
 
-#include "simulator/session/RecordingDevice.h"
+#include "simulator/session/SessionRecorder.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
 namespace sim {
@@ -15,30 +15,28 @@ constexpr const char* ADD =
 constexpr const char* LIST = R"([{"msg_id":76,"param_get":""}])";
 constexpr const char* LISTED = R"([{"ret_val":0,"param":"list.json"}])";
 
-class RecordingDeviceTest : public testing::Test {
+class SessionRecorderTest : public testing::Test {
 protected:
-    RecordingDeviceTest() { std::filesystem::create_directory(_root.path() / "reticle"); }
+    SessionRecorderTest() { std::filesystem::create_directory(_root.path() / "reticle"); }
 
     /// What one exchange adds to the session.
     std::string record(const std::string& request, const Delivery& answer) {
-        _answer = answer;
         _session.str("");
-        EXPECT_EQ(_device.exchange(request).bytes, answer.bytes);
+        _recorder.record({1, {}, Received{1, request}});
+        _recorder.record({2, {}, Answered{1, request, answer}});
         return _session.str();
     }
 
     test::TemporaryRoot _root;
-    Delivery _answer;
     std::ostringstream _session;
-    RecordingDevice _device{[this](const std::string& /*request*/) { return _answer; },
-                            _root.path(), _session};
+    SessionRecorder _recorder{_root.path(), _session};
 };
 
-TEST_F(RecordingDeviceTest, beginsWithTheHead) {
+TEST_F(SessionRecorderTest, beginsWithTheHead) {
     EXPECT_EQ(_session.str(), "rtos-sim session 1\n");
 }
 
-TEST_F(RecordingDeviceTest, recordsNewDataAndHowTheAnswerTravels) {
+TEST_F(SessionRecorderTest, recordsNewDataAndHowTheAnswerTravels) {
     _root.write("new_reticle_data0", "<a/>");
     Delivery answer;
     answer.bytes = "[{}]";
@@ -51,7 +49,7 @@ TEST_F(RecordingDeviceTest, recordsNewDataAndHowTheAnswerTravels) {
                                        "rtos closes\n");
 }
 
-TEST_F(RecordingDeviceTest, recordsFilesWhenTheyAreNewOrChanged) {
+TEST_F(SessionRecorderTest, recordsFilesWhenTheyAreNewOrChanged) {
     const std::string head = std::string("rtos receives 30 bytes\n    ") + LIST + "\n";
     const std::string tail = std::string("rtos answers 35 bytes\n    ") + LISTED + "\n";
     Delivery answer;

@@ -1,0 +1,193 @@
+#include "simulator/control/DeviceCommands.h"
+
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <map>
+#include <stdexcept>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "simulator/events/EventJson.h"
+
+namespace sim {
+
+namespace {
+
+constexpr double MAX_DOWN_S = 3600;
+constexpr double MS_PER_S = 1000;
+
+/// \return the number that `text` is, from 0 on; -1 where it is none
+template <typename Number>
+Number numberIn(const std::string& text) {
+    Number number{};
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end && number >= Number{} ? number : Number{-1};
+}
+
+int indexIn(const std::string& word) {
+    const int index = numberIn<int>(word);
+    if (index < 0) {
+        throw std::runtime_error("'" + word + "' is not an index");
+    }
+    return index;
+}
+
+bool isYes(const std::string& word) {
+    if (word != "yes" && word != "no") {
+        throw std::runtime_error("'" + word + "' is neither yes nor no");
+    }
+    return word == "yes";
+}
+
+std::chrono::milliseconds downTimeIn(const Words& words) {
+    if (words.size() == 1) {
+        return std::chrono::milliseconds(0);
+    }
+    const double seconds = words.size() == 3 ? numberIn<double>(words[2]) : -1;
+    if (words[1] != "--down" || !(seconds >= 0 && seconds <= MAX_DOWN_S)) {
+        throw std::runtime_error("after restart comes nothing, or --down and 0 to 3600 seconds");
+    }
+    return std::chrono::milliseconds(std::lround(seconds * MS_PER_S));
+}
+
+void requireDone(const Answer& answer) {
+    if (answer.retVal != OK) {
+        throw std::runtime_error(answer.reason);
+    }
+}
+
+}  // namespace
+
+Json::Value DeviceCommands::run(const Words& words) {
+    static const std::map<std::string_view, Json::Value (DeviceCommands::*)(const Words&)> COMMANDS{
+        {"status", &DeviceCommands::_status},
+        {"fault", &DeviceCommands::_fault},
+        {"faults", &DeviceCommands::_faultsOff},
+        {"activate", &DeviceCommands::_activate},
+        {"color", &DeviceCommands::_color},
+        {"rename", &DeviceCommands::_rename},
+        {"add", &DeviceCommands::_add},
+        {"delete", &DeviceCommands::_delete},
+        {"deletable", &DeviceCommands::_deletable},
+        {"restart", &DeviceCommands::_restart},
+        {"reset", &DeviceCommands::_reset},
+    };
+    const auto command = COMMANDS.find(formOf(words).name);
+    if (command == COMMANDS.end()) {
+        throw std::runtime_error(words.front() + " is no command that has a result");
+    }
+    Json::Value result = (this->*command->second)(words);
+    _parts.state.tell(true);
+    return result;
+}
+
+Json::Value DeviceCommands::_status(const Words& /*words*/) {
+    const ReticleList& reticles = _parts.device.reticles();
+    Json::Value status = _armed();
+    status["root"] = _parts.storage.rootText();
+    status["reticles"] = reticlesJson(reticles);
+    status["exchanges"] = static_cast<Json::UInt64>(_parts.faulty.count());
+    status["bytes"] = static_cast<Json::UInt64>(_parts.storage.bytesOf(reticles));
+    status["isUp"] = _parts.server.isUp();
+    return status;
+}
+
+Json::Value DeviceCommands::_fault(const Words& words) {
+    _parts.faulty.arm(_parseFault(words));
+    return _armed();
+}
+
+Json::Value DeviceCommands::_faultsOff(const Words& words) {
+    if (words[1] != "off") {
+        throw std::runtime_error("faults can only go off");
+    }
+    _parts.faulty.disarm();
+    return _armed();
+}
+
+Json::Value DeviceCommands::_activate(const Words& words) {
+    const int index = indexIn(words[1]);
+    requireDone(_parts.device.setActive(index));
+    return _reticle(index);
+}
+
+Json::Value DeviceCommands::_color(const Words& words) {
+    const int index = indexIn(words[1]);
+    requireDone(
+        _parts.device.edit(index, [&words](Reticle& reticle) { reticle.userColor = words[2]; }));
+    return _reticle(index);
+}
+
+Json::Value DeviceCommands::_rename(const Words& words) {
+    const int index = indexIn(words[1]);
+    requireDone(_parts.device.edit(index, [&words](Reticle& reticle) { reticle.name = words[2]; }));
+    return _reticle(index);
+}
+
+Json::Value DeviceCommands::_add(const Words& words) {
+    const int index = lowestFreeIndex(_parts.device.reticles());
+    requireDone(_parts.device.add(words[1], words[2]));
+    return _reticle(index);
+}
+
+Json::Value DeviceCommands::_delete(const Words& words) {
+    requireDone(_parts.device.remove(indexIn(words[1])));
+    return Json::objectValue;
+}
+
+Json::Value DeviceCommands::_deletable(const Words& words) {
+    const int index = indexIn(words[1]);
+    const bool isDeletable = isYes(words[2]);
+    requireDone(_parts.device.edit(
+        index, [isDeletable](Reticle& reticle) { reticle.isDeletable = isDeletable; }));
+    return _reticle(index);
+}
+
+Json::Value DeviceCommands::_restart(const Words& words) {
+    const std::chrono::milliseconds down = downTimeIn(words);
+    _parts.events.publish(PowerSwitched{false});
+    _parts.server.restart(down, [&events = _parts.events] { events.publish(PowerSwitched{true}); });
+    return _status(words);
+}
+
+Json::Value DeviceCommands::_reset(const Words& words) {
+    _parts.device.reset();
+    return _status(words);
+}
+
+Fault DeviceCommands::_parseFault(const Words& words) const {
+    const std::string& kind = words[1];
+    if (kind.find('@') != std::string::npos) {
+        throw std::runtime_error("the exchange is a word of its own: fault KIND[:ARG] N");
+    }
+    const std::string when = words.size() == 3 ? words[2] : "next";
+    Fault fault = parseFault(kind);
+    if (when == "every") {
+        return fault;
+    }
+    const std::size_t done = _parts.faulty.count();
+    const long long number =
+        when == "next" ? static_cast<long long>(done) + 1 : numberIn<long long>(when);
+    if (number <= static_cast<long long>(done)) {
+        throw std::runtime_error("'" + when +
+                                 "' is neither next nor every nor an exchange to come");
+    }
+    fault.exchange = static_cast<std::size_t>(number);
+    return fault;
+}
+
+Json::Value DeviceCommands::_armed() const {
+    Json::Value armed;
+    armed["faults"] = wordsJson(faultTexts(_parts.faulty.faults()));
+    return armed;
+}
+
+Json::Value DeviceCommands::_reticle(int index) const {
+    ReticleList reticles = _parts.device.reticles();
+    return reticleJson(*findReticle(reticles, index));
+}
+
+}  // namespace sim
