@@ -44,8 +44,6 @@ protected:
     Json::Value _request;  ///< the message of a command that has one
 
 private:
-    friend struct JsonRtosBuilderTestPeer;
-
     std::atomic<bool> _isBusy{false};  ///< true from reset to finish, written only
 };
 

@@ -113,62 +113,6 @@ TEST_F(AddOrUpdateTest, TextsEndAtAZeroCharacter) {
     expectList();
 }
 
-TEST_F(AddOrUpdateTest, NumbersStartAgainAfterACompletedRequest) {
-    for (int i = 0; i < 2; ++i) {
-        client.sendFrame(ADD_ONE);
-        EXPECT_EQ(rtos.exchange(DONE), ADD_A_FROM_FILE_0);
-        expectList();
-    }
-}
-
-TEST_F(AddOrUpdateTest, RefusalOfTheSecondRemovesEveryFileAndSendsNoMore) {
-    client.sendFrame(ADD_THREE);
-    EXPECT_EQ(rtos.exchange(DONE), ADD_A_FROM_FILE_0);
-    EXPECT_EQ(rtos.exchange(R"([{"ret_val":6}])"), ADD_B_FROM_FILE_1);
-    EXPECT_EQ(client.readReply(), exchanges::FULL_REPLY);
-    EXPECT_EQ(flash.names(), Names{"list.json"});
-    EXPECT_TRUE(rtos.isQuiet());
-    client.sendFrame(ADD_ONE);
-    EXPECT_EQ(rtos.exchange(DONE), ADD_A_FROM_FILE_0);
-    expectList();
-}
-
-TEST_F(AddOrUpdateTest, NothingToAddGivesTheListWithoutResult) {
-    for (const char* request : {R"({"action":"RETICLES_ADD_OR_UPDATE"})",
-                                R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[]})",
-                                R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":"x"})"}) {
-        { client.sendFrame(request); }
-        expectList(exchanges::ONE_DOT_REPLY_WITHOUT_RESULT);
-    }
-}
-
-TEST_F(AddOrUpdateTest, RecordsThatLackATextAreSkipped) {
-    client.sendFrame(R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[
-{"name":5,"data":"<x/>"},{"name":"x"},{"index":"1","name":"x","data":"<x/>"},17,
-{"index":null,"name":"A","data":"<a/>"}]})");
-    EXPECT_EQ(rtos.exchange(DONE), ADD_A_FROM_FILE_0);
-    expectList();
-    EXPECT_EQ(service.errors(),
-              "Wrong json key\nWrong json key\nWrong json key\nWrong json key\njson value: 0\n");
-}
-
-TEST_F(AddOrUpdateTest, FilesOfARequestThatFailedStayAndTheNextCompletedOneRemovesThemAll) {
-    client.sendFrame(ADD_THREE);
-    EXPECT_EQ(rtos.exchange("garbage"), ADD_A_FROM_FILE_0);
-    EXPECT_TRUE(service.hasError("Corrupted json packet was received fromRTOS\n"));
-    EXPECT_EQ(flash.names(),
-              (Names{"list.json", "new_reticle_data0", "new_reticle_data1", "new_reticle_data2"}));
-    client.sendFrame(ADD_ONE);
-    EXPECT_EQ(rtos.receiveRequest(), ADD_A_FROM_FILE_3);
-    EXPECT_EQ(flash.names(), (Names{"list.json", "new_reticle_data0", "new_reticle_data1",
-                                    "new_reticle_data2", "new_reticle_data3"}));
-    rtos.answer(DONE);
-    expectList();
-    client.sendFrame(ADD_ONE);
-    EXPECT_EQ(rtos.exchange(DONE), ADD_A_FROM_FILE_0);
-    expectList();
-}
-
 TEST_F(AddOrUpdateTest, RequestWithoutRecordsRemovesLeftOverFilesToo) {
     client.sendFrame(ADD_ONE);
     EXPECT_EQ(rtos.exchange("garbage"), ADD_A_FROM_FILE_0);
@@ -190,40 +134,13 @@ TEST_F(AddOrUpdateTest, FilesStayWhenTheLinkIsLostAndNumbersGoOn) {
     EXPECT_EQ(flash.read("new_reticle_data3"), "<a/>");
 }
 
-TEST_F(AddOrUpdateTest, LinkFailureInTheListRefreshLeavesNoFile) {
+TEST_F(AddOrUpdateTest, LinkFailureInTheListRefreshCostsTheReplyAndLeavesNoFile) {
     client.sendFrame(ADD_ONE);
     EXPECT_EQ(rtos.exchange(DONE), ADD_A_FROM_FILE_0);
     EXPECT_EQ(rtos.exchange("garbage"), LIST_REQUEST);
     EXPECT_TRUE(service.hasError("Corrupted json packet was received fromRTOS\n"));
     EXPECT_EQ(flash.names(), Names{"list.json"});
-}
-
-TEST_F(AddOrUpdateTest, StaleFileOfTheSameNameIsReplacedWhole) {
-    flash.write("new_reticle_data0", "left by somebody else, and longer");
-    client.sendFrame(ADD_ONE);
-    EXPECT_EQ(rtos.receiveRequest(), ADD_A_FROM_FILE_0);
-    EXPECT_EQ(flash.read("new_reticle_data0"), "<a/>");
-    rtos.answer(DONE);
-    expectList();
-}
-
-TEST_F(AddOrUpdateTest, MissingStorageIsLeftToTheRtosToReport) {
-    flash.remove();
-    client.sendFrame(ADD_THREE);
-    EXPECT_EQ(rtos.exchange(DONE), ADD_A_FROM_FILE_0);
-    EXPECT_EQ(rtos.exchange(R"([{"ret_val":8}])"), ADD_B_FROM_FILE_1);
-    EXPECT_EQ(client.readReply(), "{\n\t\"result\" : \"UNKNOWN_ACTION\"\n}");
-    EXPECT_FALSE(flash.exists(""));
-}
-
-TEST_F(AddOrUpdateTest, MissingStorageGivesANullList) {
-    flash.remove();
-    client.sendFrame(ADD_ONE);
-    EXPECT_EQ(rtos.exchange(DONE), ADD_A_FROM_FILE_0);
-    EXPECT_EQ(rtos.exchange(exchanges::LIST_ANSWER), LIST_REQUEST);
-    EXPECT_EQ(client.readReply(), "{\n\t\"result\" : \"OK\",\n\t\"reticles\" : null\n}");
-    EXPECT_EQ(service.errors(), "json value: 0\nError: json str is wrong, can't be deserialized\n");
-    EXPECT_FALSE(flash.exists(""));
+    exchanges::expectServed(client, rtos);
 }
 
 TEST_F(AddOrUpdateTest, DataOfMegabytesReachTheFileWhole) {
@@ -233,16 +150,6 @@ TEST_F(AddOrUpdateTest, DataOfMegabytesReachTheFileWhole) {
     EXPECT_EQ(rtos.receiveRequest(), ADD_A_FROM_FILE_0);
     EXPECT_TRUE(flash.read("new_reticle_data0") == data);
     rtos.answer(DONE);
-    expectList();
-}
-
-TEST_F(AddOrUpdateTest, LongNameReachesTheRtosWhole) {
-    const std::string name(100000, 'n');
-    client.sendFrame(R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"name":")" + name +
-                     R"(","data":"<a/>"}]})");
-    EXPECT_EQ(rtos.exchange(DONE),
-              "[\n\t{\n\t\t\"msg_id\" : 78,\n\t\t\"param2_name\" : \"" + name +
-                  "\",\n\t\t\"param3_data\" : \"a:/new_reticle_data0\"\n\t}\n]");
     expectList();
 }
 

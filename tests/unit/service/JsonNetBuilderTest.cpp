@@ -4,7 +4,6 @@
 
 #include "commands/JsonNetBuilder.h"
 #include "tests/unit/service/OutputCapture.h"
-#include "tests/unit/service/peers/JsonNetBuilderTestPeer.h"
 
 namespace reticled {
 namespace {
@@ -58,9 +57,27 @@ TEST_F(JsonNetBuilderTest, LastObjectOfTheAnswerDecides) {
     EXPECT_TRUE(isAccepted);
 }
 
-TEST_F(JsonNetBuilderTest, MissingCodeIsSuccess) {
-    EXPECT_EQ(replyTo(R"([{"param":"x"}])"), resultOnly("OK"));
-    EXPECT_TRUE(isAccepted);
+TEST_F(JsonNetBuilderTest, EntryWithoutACodeThatCanBeReadHasNoSay) {
+    EXPECT_EQ(replyTo(R"([{"ret_val":5},17,{"ret_val":"0"}])"),
+              resultOnly("RETICLE_INDEX_NOT_FOUND"));
+    EXPECT_FALSE(isAccepted);
+}
+
+TEST_F(JsonNetBuilderTest, MemberOfAnObjectIsAnEntry) {
+    EXPECT_EQ(replyTo(R"({"answer":{"ret_val":7}})"), resultOnly("RETICLE_CANT_BE_DELETED"));
+    EXPECT_FALSE(isAccepted);
+}
+
+TEST_F(JsonNetBuilderTest, MissingOrNullCodeIsSuccess) {
+    for (const char* answer : {R"([{"param":"x"}])", R"([{"ret_val":null}])"}) {
+        EXPECT_EQ(replyTo(answer), resultOnly("OK")) << answer;
+        EXPECT_TRUE(isAccepted) << answer;
+    }
+}
+
+TEST_F(JsonNetBuilderTest, ReplyIsGivenUpWithItsText) {
+    EXPECT_EQ(replyTo(R"([{"ret_val":0}])"), resultOnly("OK"));
+    EXPECT_EQ(builder.getResponse(), "null");
 }
 
 TEST_F(JsonNetBuilderTest, AnswerWithoutAnObjectIsARefusalWithAnEmptyResult) {
@@ -68,34 +85,6 @@ TEST_F(JsonNetBuilderTest, AnswerWithoutAnObjectIsARefusalWithAnEmptyResult) {
         EXPECT_EQ(replyTo(answer), resultOnly("")) << answer;
         EXPECT_FALSE(isAccepted) << answer;
     }
-}
-
-TEST_F(JsonNetBuilderTest, LaterResultReplacesAnEarlierOne) {
-    builder.reset();
-    EXPECT_TRUE(builder.setResult(R"([{"ret_val":0}])"));
-    EXPECT_FALSE(builder.setResult(R"([{"ret_val":7}])"));
-    EXPECT_EQ(builder.getResponse(), resultOnly("RETICLE_CANT_BE_DELETED"));
-}
-
-TEST_F(JsonNetBuilderTest, ResultComesBeforeReticles) {
-    builder.reset();
-    builder.fillReticles("");
-    EXPECT_TRUE(builder.setResult(R"([{"ret_val":0}])"));
-    EXPECT_EQ(builder.getResponse(), "{\n\t\"result\" : \"OK\",\n\t\"reticles\" : null\n}");
-}
-
-TEST_F(JsonNetBuilderTest, ResetForgetsAReplyThatWasNotFinished) {
-    builder.reset();
-    builder.fillReticles("");
-    EXPECT_EQ(replyTo(R"([{"ret_val":7}])"), resultOnly("RETICLE_CANT_BE_DELETED"));
-}
-
-TEST_F(JsonNetBuilderTest, BuilderIsBusyFromResetToFinish) {
-    EXPECT_EQ(JsonNetBuilderTestPeer::isBusy(builder), 0);
-    builder.reset();
-    EXPECT_EQ(JsonNetBuilderTestPeer::isBusy(builder), 1);
-    builder.finish();
-    EXPECT_EQ(JsonNetBuilderTestPeer::isBusy(builder), 0);
 }
 
 }  // namespace

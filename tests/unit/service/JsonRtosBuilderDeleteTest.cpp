@@ -5,7 +5,6 @@
 
 #include "commands/JsonRtosBuilderDelete.h"
 #include "tests/unit/service/OutputCapture.h"
-#include "tests/unit/service/peers/JsonRtosBuilderTestPeer.h"
 
 namespace reticled {
 namespace {
@@ -57,7 +56,6 @@ TEST_F(JsonRtosBuilderDeleteTest, IndicesThatAreNoIntegersAreLeftOut) {
 TEST_F(JsonRtosBuilderDeleteTest, NothingOfTheLastCommandIsLeft) {
     EXPECT_EQ(requestsFor(R"({"indices":[2,5]})").size(), 2U);
     EXPECT_EQ(requestsFor(R"({"indices":[1]})"), Requests{DELETE_1});
-    EXPECT_FALSE(JsonRtosBuilderTestPeer::isBusy(builder));
 }
 
 }  // namespace

@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
-#include <json/value.h>
 
-#include <stdexcept>
 #include <string>
 
 #include "commands/JsonRtosBuilderSetActive.h"
-#include "tests/unit/service/ExpectThrow.h"
 
 namespace reticled {
 namespace {
@@ -26,18 +23,6 @@ TEST(JsonRtosBuilderSetActiveTest, RequestNamesTheIndex) {
 TEST(JsonRtosBuilderSetActiveTest, MissingIndexIsZero) {
     EXPECT_EQ(requestFor(R"({"action":"RETICLE_SET_ACTIVE"})"),
               "[\n\t{\n\t\t\"msg_id\" : 77,\n\t\t\"param\" : 0\n\t}\n]");
-}
-
-TEST(JsonRtosBuilderSetActiveTest, EmptyRequestThrows) {
-    expectThrow<std::runtime_error>([] { static_cast<void>(requestFor("")); },
-                                    "getIntVal: json msg is empty");
-}
-
-TEST(JsonRtosBuilderSetActiveTest, IndexThatIsNoIntegerThrowsAndLeavesNothingBuilt) {
-    JsonRtosBuilderSetActive builder;
-    builder.reset();
-    EXPECT_THROW(builder.build(R"({"index":"4"})"), Json::LogicError);
-    EXPECT_EQ(builder.getRequest(), "[\n\tnull\n]");
 }
 
 TEST(JsonRtosBuilderSetActiveTest, NothingOfTheLastCommandIsLeft) {

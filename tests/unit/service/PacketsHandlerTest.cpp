@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <future>
 #include <memory>
@@ -40,13 +39,8 @@ std::shared_ptr<Packet> nextReply() {
 class PacketsHandlerTest : public testing::Test {
 protected:
     PacketsHandlerTest() {
-        const auto link = std::make_shared<LocalCommunicator>();
-        for (const char* action : {"RETICLES_GET_ALL", "RETICLE_SET_ACTIVE",
-                                   "RETICLES_ADD_OR_UPDATE", "RETICLES_DELETE"}) {
-            const auto handler = JsonHandlerDirector::getInstance()->getHandler(
-                std::string(R"({"action":")") + action + "\"}");
-            JsonHandlerTestPeer::link(*handler) = link;
-        }
+        const auto handler = JsonHandlerDirector::getInstance()->getHandler(GET_ALL);
+        JsonHandlerTestPeer::link(*handler) = std::make_shared<LocalCommunicator>();
     }
 
     OutputCapture output;
@@ -88,40 +82,6 @@ TEST_F(PacketsHandlerTest, HandlerThatThrowsCostsOneReplyAndALine) {
     EXPECT_EQ(output.err(),
               "_handlerRoutine, exception: Corrupted json packet was received fromRTOS\n"
               "json value: 6\n");
-}
-
-TEST_F(PacketsHandlerTest, RequestWithoutAnActionCostsOneReplyAndALine) {
-    push(1, "{}");
-    push(1, "");
-    push(1, "[]");
-    const auto next = push(2, GET_ALL);
-    EXPECT_EQ(rtos.exchange(REFUSAL), LIST_REQUEST);
-    EXPECT_EQ(nextReply(), next);
-    EXPECT_EQ(countOf("_handlerRoutine, exception: ", output.err()), 3U);
-    EXPECT_EQ(countOf("_handlerRoutine, exception: getStrVal: json msg is empty\n", output.err()),
-              1U);
-}
-
-TEST_F(PacketsHandlerTest, RequestIsHandledAlsoWhenABrokenTextFollowsIt) {
-    const auto packet = push(1, std::string(GET_ALL) + '\0' + "{{{");
-    EXPECT_EQ(rtos.exchange(REFUSAL), LIST_REQUEST);
-    EXPECT_EQ(nextReply(), packet);
-    EXPECT_EQ(packet->_data, REFUSED);
-}
-
-// Deliberate: the call through the empty pointer ends the process, at once and in every build.
-TEST(PacketsHandlerDeathTest, UnknownActionEndsTheProcess) {
-    OwnProcess process([] {
-        const PacketsHandler worker;
-        push(1, R"({"action":"RETICLES_FORGET"})");
-        static_cast<void>(nextReply());
-        return EXIT_SUCCESS;
-    });
-    EXPECT_EQ(process.waitForEnd(), 128 + SIGABRT);
-    EXPECT_EQ(process.out(),
-              "PacketsHandler::_handlerRoutine, json req: {\"action\":\"RETICLES_FORGET\"}\n");
-    EXPECT_EQ(countOf("Assertion '_M_get() != nullptr' failed", process.err()), 1U)
-        << process.err();
 }
 
 TEST(PacketsHandlerDeathTest, DestructionWaitsForTheNextRequestAndItsReply) {

@@ -7,7 +7,6 @@
 namespace reticled {
 
 struct JsonNetBuilderTestPeer {
-    static int isBusy(const JsonNetBuilder& builder) { return builder._isBusy; }
     static std::string getReticlesList(const std::string& answer) {
         return JsonNetBuilder::_getReticlesList(answer);
     }
