@@ -124,6 +124,19 @@ TEST_F(ReticleListTest, WhatCouldBeReadOfABrokenAnswerCounts) {
     EXPECT_EQ(replyTo(R"([{"param":"list"},)"), ONE_DOT_REPLY_WITHOUT_RESULT);
 }
 
+TEST_F(ReticleListTest, WhatCouldBeReadOfABrokenListCounts) {
+    std::string broken(exchanges::ONE_DOT_LIST);
+    broken.back() = '}';
+    EXPECT_EQ(replyWithList(broken), ONE_DOT_REPLY_WITHOUT_RESULT);
+    EXPECT_EQ(output.err(), "");
+}
+
+TEST_F(ReticleListTest, TextsEndAtAZeroCharacter) {
+    flash.write("list.json", R"([{"reticles":[{"index":1,"name":"Dot\u0000x",
+"data":"dot.svg\u0000x","userColor":"red\u0000x","isDeletable":1,"isActive":0}]}])");
+    EXPECT_EQ(replyTo(R"([{"param":"list.json\u0000x"}])"), ONE_DOT_REPLY_WITHOUT_RESULT);
+}
+
 TEST_F(ReticleListTest, NameAtTheTopLevelIsNone) {
     EXPECT_EQ(replyTo(R"({"param":"list.json"})"), NO_RETICLES);
     EXPECT_EQ(output.err(), UNPARSABLE);
@@ -141,8 +154,8 @@ TEST_F(ReticleListTest, EmptyAnswerGivesNullWithoutAWord) {
 }
 
 TEST_F(ReticleListTest, AnswerOrListWithoutContentGivesNullAndAMessage) {
-    for (const char* answer :
-         {"[]", "{}", "null", "5", "nonsense", "[{}]", R"([{"param":"no"}])"}) {
+    for (const char* answer : {"[]", "{}", "null", "5", "nonsense", "[{}]", R"([{"param":"no"}])",
+                               R"([{"param":"reticle"}])"}) {
         const OutputCapture own;
         EXPECT_EQ(replyTo(answer), NO_RETICLES) << answer;
         EXPECT_EQ(own.err(), UNPARSABLE) << answer;
