@@ -39,37 +39,10 @@ protected:
     FrameClient client;
 };
 
-TEST_F(FramingTest, FrameOnTheWireInBothDirections) {
-    client.sendBytes(fromHex("00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f "
-                             "10 11 12 13 14 15 16 17 18 19 1a 1b 1c 1d 1e 1f "
-                             "00 00 00 1d") +
-                     R"({"action":"RETICLES_GET_ALL"})");
-    EXPECT_EQ(rtos.exchange(R"([{"ret_val":5}])"), LIST_REQUEST);
-    const std::string reply = "{\n\t\"result\" : \"RETICLE_INDEX_NOT_FOUND\"\n}";
-    EXPECT_EQ(client.readBytes(36 + reply.size()),
-              fromHex("00 01 02 03 04 05 06 07 08 09 0a 0b 0c 0d 0e 0f "
-                      "10 11 12 13 14 15 16 17 18 19 1a 1b 1c 1d 1e 1f "
-                      "00 00 00 29") +
-                  reply);
-    EXPECT_TRUE(client.connection().isQuiet());
-}
-
-TEST_F(FramingTest, HeaderIsLoggedWithItsLength) {
-    client.sendFrame(R"({"a":"bcd"})");
-    EXPECT_TRUE(service.hasProgress("total cnt = 32\njson is true, length = 11\n"));
-}
-
 TEST_F(FramingTest, ZeroBytesBetweenFirstAndLastSyncByteAreAccepted) {
     expectAccepted(
         fromHex("00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
                 "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 1f "
-                "00 00 00 1d"));
-}
-
-TEST_F(FramingTest, SomeZeroBytesInTheSyncSequenceAreAccepted) {
-    expectAccepted(
-        fromHex("00 01 00 03 04 05 06 07 08 00 00 0b 0c 0d 0e 0f "
-                "10 11 12 13 14 15 16 17 18 19 1a 1b 1c 1d 00 1f "
                 "00 00 00 1d"));
 }
 
@@ -102,16 +75,8 @@ TEST_F(FramingTest, NegativeLengthIsRefused) {
     expectRefused(FrameClient::header(0x80000000));
 }
 
-TEST_F(FramingTest, LargestNegativeLengthIsRefused) {
-    expectRefused(FrameClient::header(0xFFFFFFFF));
-}
-
 TEST_F(FramingTest, LengthOf4194304IsRefused) {
     expectRefused(FrameClient::header(4194304));
-}
-
-TEST_F(FramingTest, LargestPositiveLengthIsRefused) {
-    expectRefused(FrameClient::header(0x7FFFFFFF));
 }
 
 TEST_F(FramingTest, BodyOf4194303BytesIsAccepted) {

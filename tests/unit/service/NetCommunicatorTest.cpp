@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -9,7 +8,6 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <future>
@@ -27,11 +25,8 @@
 #include "net/NetCommunicator.h"
 #include "tests/support/Connection.h"
 #include "tests/support/FrameClient.h"
-#include "tests/support/LinkTexts.h"
 #include "tests/support/Patience.h"
 #include "tests/support/Ports.h"
-#include "tests/support/ScriptedRtos.h"
-#include "tests/support/Sockets.h"
 #include "tests/support/Text.h"
 #include "tests/unit/service/DescriptorLimit.h"
 #include "tests/unit/service/ExpectThrow.h"
@@ -49,11 +44,6 @@ using Bodies = std::vector<std::string>;
 constexpr std::string_view SYNC =
     "00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F "
     "10 11 12 13 14 15 16 17 18 19 1A 1B 1C 1D 1E 1F ";
-constexpr std::string_view ZEROED_SYNC =
-    "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 "
-    "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 1F ";
-constexpr auto NO_LENGTH = "Failed to retrieve packet length\n";
-constexpr auto NO_JSON = "Error: received packet isn't json\n";
 
 /// The two ends of a connection.
 struct Pair {
@@ -125,83 +115,9 @@ TEST_F(NetCommunicatorTest, FrameBecomesARequestWithTheConnectionsDescriptor) {
     EXPECT_EQ(output.err(), "");
 }
 
-TEST_F(NetCommunicatorTest, ZeroesAreTakenForTheSyncBytes) {
-    EXPECT_EQ(read(frame(ZEROED_SYNC, "00 00 00 02", "{}")), Bodies{"{}"});
-}
-
-TEST_F(NetCommunicatorTest, HeaderWithoutSyncSequenceIsRefusedAndTheNextIsRead) {
-    std::string zeroAtTheEnd(SYNC);
-    zeroAtTheEnd.replace(zeroAtTheEnd.size() - 3, 2, "00");
-    std::string oneAtTheStart(SYNC);
-    oneAtTheStart.replace(0, 2, "01");
-    const std::string good = frame(SYNC, "00 00 00 02", "{}");
-    EXPECT_EQ(read(frame(zeroAtTheEnd, "00 00 00 02", "") + good), Bodies{"{}"});
-    EXPECT_EQ(read(frame(oneAtTheStart, "00 00 00 02", "") + good), Bodies{"{}"});
-    EXPECT_EQ(output.err(), repeated(NO_LENGTH, 2));
-}
-
-TEST_F(NetCommunicatorTest, ImpossibleLengthsAreRefusedAndTheNextHeaderIsRead) {
-    const std::string good = frame(SYNC, "00 00 00 02", "{}");
-    for (const char* length :
-         {"00 00 00 00", "80 00 00 00", "FF FF FF FF", "7F FF FF FF", "00 40 00 00"}) {
-        const OutputCapture own;
-        EXPECT_EQ(read(frame(SYNC, length, "") + good), Bodies{"{}"}) << length;
-        EXPECT_EQ(own.err(), NO_LENGTH) << length;
-    }
-}
-
-TEST_F(NetCommunicatorTest, LongestBodyIsOneByteShortOf4MiB) {
-    const std::string body = std::string(4'194'301, ' ') + "{}";
-    const Bodies bodies = read(frame(SYNC, "00 3F FF FF", body));
-    ASSERT_EQ(bodies.size(), 1U);
-    EXPECT_TRUE(bodies[0] == body);
-}
-
-TEST_F(NetCommunicatorTest, FramesBackToBackBecomeRequestsInTheirOrder) {
-    EXPECT_EQ(read(frame(SYNC, "00 00 00 03", "[1]") + frame(SYNC, "00 00 00 02", "{}") +
-                   frame(SYNC, "00 00 00 03", "[2]")),
-              (Bodies{"[1]", "{}", "[2]"}));
-}
-
-TEST_F(NetCommunicatorTest, BodyThatIsNoJsonIsDroppedAndTheNextFrameIsRead) {
-    EXPECT_EQ(read(frame(SYNC, "00 00 00 03", "[1,") + frame(SYNC, "00 00 00 02", "{}")),
-              Bodies{"{}"});
-    EXPECT_EQ(output.err(), NO_JSON);
-}
-
-TEST_F(NetCommunicatorTest, BodyIsJudgedUpToItsFirstZeroByteAndKeptWhole) {
-    const std::string body = std::string("{}") + '\0' + "no json";
-    EXPECT_EQ(read(frame(SYNC, "00 00 00 0A", body)), Bodies{body});
-    EXPECT_EQ(read(frame(SYNC, "00 00 00 03", std::string("\0{}", 3))), Bodies{});
-    EXPECT_EQ(output.err(), NO_JSON);
-}
-
-TEST_F(NetCommunicatorTest, ClientThatLeavesInAHeaderCostsOneLineAtMost) {
-    EXPECT_EQ(read(fromHex("00 01 02 03")), Bodies{});
-    EXPECT_EQ(output.err(), NO_LENGTH);
-}
-
 TEST_F(NetCommunicatorTest, ClientThatLeavesAfterAHeaderCostsNothing) {
     EXPECT_EQ(read(frame(SYNC, "00 00 00 02", "")), Bodies{});
     EXPECT_EQ(output.err(), "");
-}
-
-TEST_F(NetCommunicatorTest, BodyThatTheClientCutsShortIsTakenAsItIs) {
-    EXPECT_EQ(read(frame(SYNC, "00 00 00 FF", "{}")), Bodies{"{}"});
-    EXPECT_EQ(read(frame(SYNC, "00 00 00 FF", "{")), Bodies{});
-    EXPECT_EQ(output.err(), NO_JSON);
-}
-
-TEST_F(NetCommunicatorTest, ClientThatSendsNothingCostsNothing) {
-    EXPECT_EQ(read(""), Bodies{});
-    EXPECT_EQ(output.out(), "");
-    EXPECT_EQ(output.err(), "");
-}
-
-TEST_F(NetCommunicatorTest, ConnectionIsClosedAtItsEnd) {
-    const std::size_t before = openDescriptors();
-    EXPECT_EQ(read(frame(SYNC, "00 00 00 02", "{}")), Bodies{"{}"});
-    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST_F(NetCommunicatorTest, StoppedServerReadsNoMoreAndClosesTheConnection) {
@@ -239,16 +155,6 @@ TEST_F(NetCommunicatorTest, ReaderThatThereIsNoMemoryForCostsItsClientTheConnect
     }
     EXPECT_TRUE(pair.client.seesEnd());
     EXPECT_EQ(output.err(), "_serverRoutine, exception: std::bad_alloc\n");
-}
-
-TEST_F(NetCommunicatorTest, ReplyGoesOutAsAFrame) {
-    Pair pair = connectedPair();
-    queueReply(pair.service.get(), "{}");
-    Peer::sendNextReply(net);
-    EXPECT_EQ(pair.client.receive(38), frame(SYNC, "00 00 00 02", "{}"));
-    EXPECT_TRUE(pair.client.isQuiet());
-    EXPECT_EQ(output.out(), "responseThread: msg to send = {}\n");
-    EXPECT_EQ(output.err(), "");
 }
 
 TEST_F(NetCommunicatorTest, LargeReplyGoesOutAsAFrameToo) {
@@ -302,40 +208,6 @@ TEST_F(NetCommunicatorTest, ReplyThatFailsBeforeItsFirstByteLeavesTheConnectionO
     EXPECT_EQ(pair.client.receive(39), frame(SYNC, "00 00 00 03", "[1]"));
 }
 
-TEST_F(NetCommunicatorTest, RepliesGoOutInTheirOrderWhoeverTheyAreFor) {
-    Pair one = connectedPair();
-    Pair other = connectedPair();
-    queueReply(one.service.get(), "[1]");
-    queueReply(other.service.get(), "[2]");
-    queueReply(one.service.get(), "[3]");
-    Peer::sendNextReply(net);
-    EXPECT_EQ(one.client.receive(39), frame(SYNC, "00 00 00 03", "[1]"));
-    EXPECT_TRUE(other.client.isQuiet());
-    Peer::sendNextReply(net);
-    EXPECT_EQ(other.client.receive(39), frame(SYNC, "00 00 00 03", "[2]"));
-    EXPECT_TRUE(one.client.isQuiet());
-    Peer::sendNextReply(net);
-    EXPECT_EQ(one.client.receive(39), frame(SYNC, "00 00 00 03", "[3]"));
-}
-
-TEST_F(NetCommunicatorTest, ReplyToAClientThatHasLeftIsReportedAndTheNextGoesOut) {
-    Pair gone = connectedPair();
-    gone.client.close();
-    Pair there = connectedPair();
-    queueReply(gone.service.get(), "[1]");
-    queueReply(-1, "[2]");
-    queueReply(there.service.get(), "[3]");
-    for (int i = 0; i < 3; ++i) {
-        Peer::sendNextReply(net);
-    }
-    EXPECT_EQ(output.err(),
-              "Error during send response for socket: " + std::to_string(gone.service.get()) +
-                  "\nBroken pipe: Broken pipe\n"
-                  "Error during send response for socket: -1\n"
-                  "Bad file descriptor: Bad file descriptor\n");
-    EXPECT_EQ(there.client.receive(39), frame(SYNC, "00 00 00 03", "[3]"));
-}
-
 TEST_F(NetCommunicatorTest, ReplyForSocketZeroIsDroppedWithoutAMessage) {
     queueReply(0, "{}");
     Peer::sendNextReply(net);
@@ -378,19 +250,6 @@ TEST_F(NetCommunicatorTest, JoinWithoutAServerThreadReturnsAtOnce) {
     net.join();
 }
 
-TEST_F(NetCommunicatorTest, PortMayBeSharedWithWhoeverSharesIt) {
-    const NetCommunicator other;
-    EXPECT_EQ(output.err(), "");
-}
-
-TEST(NetCommunicatorPortTest, PortThatIsTakenFailsTheConstruction) {
-    const OutputCapture output;
-    const FileDescriptor taken = sockets::listenOn(CLIENT_PORT);
-    expectThrow<std::runtime_error>([] { const NetCommunicator net; },
-                                    "Cannot bind server socker to PORT 3451");
-    EXPECT_EQ(output.err(), "Address already in use: Address already in use\n");
-}
-
 TEST(NetCommunicatorPortTest, SocketThatCannotBeHadFailsTheConstruction) {
     // Components that need descriptors are there before.
     const auto components = PacketsHandler::getInstance();
@@ -400,16 +259,6 @@ TEST(NetCommunicatorPortTest, SocketThatCannotBeHadFailsTheConstruction) {
                                     "Failed to set REUSE_PORT option");
     noDescriptor.reset();
     EXPECT_EQ(output.err(), "Bad file descriptor: Bad file descriptor\n");
-}
-
-void connectToService(const FileDescriptor& socket) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(CLIENT_PORT);
-    // NOLINTNEXTLINE(*-reinterpret-cast): the sockets interface asks for it
-    const auto* any = reinterpret_cast<const sockaddr*>(&address);
-    ASSERT_EQ(connect(socket.get(), any, sizeof address), 0);
 }
 
 /// A server that accepts.
@@ -439,18 +288,6 @@ private:
     std::size_t _descriptorsAtStart = openDescriptors();
 };
 
-TEST_F(AcceptingNetCommunicatorTest, EachClientHasAReader) {
-    FrameClient first;
-    FrameClient second;
-    second.sendFrame("[2]");
-    const auto fromSecond = nextRequest();
-    first.sendFrame("[1]");
-    const auto fromFirst = nextRequest();
-    EXPECT_EQ(fromSecond->_data, "[2]");
-    EXPECT_EQ(fromFirst->_data, "[1]");
-    EXPECT_NE(fromFirst->_socket, fromSecond->_socket);
-}
-
 TEST_F(AcceptingNetCommunicatorTest,
        ConnectionsAreKeptAliveForFourMinutesBehindAClientThatHasVanished) {
     FrameClient client;
@@ -468,42 +305,6 @@ TEST_F(AcceptingNetCommunicatorTest,
               240);
     // Small replies must not wait for the client's acknowledgements.
     EXPECT_EQ(option(IPPROTO_TCP, TCP_NODELAY), 1);
-}
-
-TEST_F(AcceptingNetCommunicatorTest, ClientThatLeavesInAHeaderDisturbsNobody) {
-    FrameClient staying;
-    FrameClient leaving;
-    leaving.sendBytes(fromHex("00 01 02"));
-    leaving.connection().close();
-    ASSERT_TRUE(eventually([this] { return countOf(NO_LENGTH, output.err()) == 1; }));
-    staying.sendFrame("[1]");
-    EXPECT_EQ(nextRequest()->_data, "[1]");
-    FrameClient late;
-    late.sendFrame("[2]");
-    EXPECT_EQ(nextRequest()->_data, "[2]");
-}
-
-TEST_F(AcceptingNetCommunicatorTest, WithoutDescriptorsAcceptIsTriedAgainAfterAPause) {
-    using Clock = std::chrono::steady_clock;
-    constexpr std::size_t LINES = 5;
-    constexpr auto PAUSE = std::chrono::milliseconds(10);
-    constexpr auto LINE = "Too many open files: Too many open files\n";
-    FrameClient client(0);
-    client.sendFrame("[1]");
-    EXPECT_EQ(nextRequest()->_data, "[1]");
-
-    FileDescriptor waiting(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
-    std::optional<NoSpareDescriptor> noDescriptor(std::in_place);
-    const auto start = Clock::now();
-    connectToService(waiting);
-    ASSERT_TRUE(eventually([&] { return countOf(LINE, output.err()) >= LINES; }));
-    const std::size_t lines = countOf(LINE, output.err());
-    EXPECT_LE(lines, 1 + static_cast<std::size_t>((Clock::now() - start) / PAUSE));
-
-    noDescriptor.reset();
-    Connection served(std::move(waiting));
-    served.send(frame(SYNC, "00 00 00 03", "[2]"));
-    EXPECT_EQ(nextRequest()->_data, "[2]");
 }
 
 /// A server whose every `accept` fails.
@@ -633,24 +434,6 @@ TEST(NetCommunicatorDeathTest, ReaderThatCannotBeStartedCostsItsClientTheConnect
     });
     EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS);
     EXPECT_EQ(process.err(), "_serverRoutine, exception: Resource temporarily unavailable\n");
-}
-
-TEST(NetCommunicatorDeathTest, StartedServiceAnswersItsClients) {
-    constexpr auto REPLY = "{\n\t\"result\" : \"RETICLES_COUNT_OUT_OF_BOUNDS\"\n}";
-    OwnProcess process([]() -> int {
-        ScriptedRtos rtos;
-        const auto net = NetCommunicator::getInstance();
-        net->start();
-        FrameClient client;
-        client.sendFrame(R"({"action":"RETICLES_GET_ALL"})");
-        const bool isAsked = rtos.exchange(R"([{"ret_val":6}])") == exchanges::LIST_REQUEST;
-        const bool isAnswered = client.readReply() == REPLY;
-        // So that nothing of the connection keeps the port from the next test.
-        client.connection().reset();
-        // The threads never end: no orderly way out.
-        endAtOnce(isAsked && isAnswered ? EXIT_SUCCESS : EXIT_FAILURE);
-    });
-    EXPECT_EQ(process.waitForEnd(), EXIT_SUCCESS) << process.out() << process.err();
 }
 
 }  // namespace

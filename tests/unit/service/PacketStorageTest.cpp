@@ -25,18 +25,6 @@ TEST(PacketStorageTest, QueuesAreApart) {
     EXPECT_EQ(request->_data, "request");
 }
 
-TEST(PacketStorageTest, QueuesHaveTheirNumbers) {
-    EXPECT_EQ(REQUEST_QUEUE, 0);
-    EXPECT_EQ(RESPONSE_QUEUE, 1);
-}
-
-TEST(PacketStorageTest, PacketItselfComesOut) {
-    PacketStorage storage;
-    const auto pushed = packet(4, "request");
-    storage.push(REQUEST_QUEUE, pushed);
-    EXPECT_EQ(storage.pop(REQUEST_QUEUE), pushed);
-}
-
 TEST(PacketStorageTest, SixteenthRequestIsLostWithoutALine) {
     const OutputCapture output;
     PacketStorage storage;
