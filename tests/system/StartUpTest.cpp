@@ -110,17 +110,6 @@ TEST_F(StartUpTest, DaemonWhoseStarterNoLongerReadsItsOutputEndsBySigpipe) {
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGPIPE) << status;
 }
 
-TEST_F(StartUpTest, DaemonHoldsNoDescriptorButNullAndItsTwoSockets) {
-    const FileDescriptor inherited(dup(STDERR_FILENO), "dup");
-    const FileDescriptor far(dup2(STDERR_FILENO, 900), "dup2");
-    Daemon service;
-    service.waitUntilListening();
-    EXPECT_EQ(
-        withoutSocketNumbers(service.info().descriptors()),
-        (Descriptors{
-            {0, "/dev/null"}, {1, "/dev/null"}, {2, "/dev/null"}, {3, "socket"}, {4, "socket"}}));
-}
-
 TEST_F(StartUpTest, ClosedStandardInputIsReportedAndReplaced) {
     Daemon service({"sh", "-c", R"(exec "$0" <&-)", programs::RETICLED});
     service.waitUntilListening();

@@ -1,7 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -30,8 +29,6 @@ constexpr auto BOTH_FORKS = "1st fork sucess\n2nd fork sucess\n";
 struct Facts {
     pid_t process = 0;
     pid_t session = 0;
-    mode_t mask = 0;
-    std::string directory;
     std::string descriptors;  ///< number and target of each, in order
 };
 
@@ -61,18 +58,15 @@ void limitDescriptors(rlim_t limit) {
 void writeFacts() {
     limitDescriptors(1024);
     const std::string descriptors = describeDescriptors();
-    const mode_t mask = umask(0);
     const fs::path draft = FACTS.string() + ".draft";
-    std::ofstream(draft) << getpid() << ' ' << getsid(0) << ' ' << mask << ' '
-                         << fs::current_path().string() << '\n'
-                         << descriptors;
+    std::ofstream(draft) << getpid() << ' ' << getsid(0) << '\n' << descriptors;
     fs::rename(draft, FACTS);
 }
 
 Facts readFacts() {
     Facts facts;
     std::ifstream file(FACTS);
-    file >> facts.process >> facts.session >> facts.mask >> facts.directory;
+    file >> facts.process >> facts.session;
     file.ignore();
     std::getline(file, facts.descriptors);
     return facts;
@@ -109,18 +103,6 @@ public:
     Facts facts;
 };
 
-TEST(DaemonizeDeathTest, StarterEndsWithStatusZeroAfterTwoForks) {
-    const Daemonizing daemon([] {});
-    EXPECT_EQ(daemon.starter.out(), BOTH_FORKS);
-    EXPECT_EQ(daemon.starter.err(), "");
-}
-
-TEST(DaemonizeDeathTest, DaemonIsInASessionOfItsOwnThatItDoesNotLead) {
-    const Daemonizing daemon([] {});
-    EXPECT_NE(daemon.facts.session, getsid(0));
-    EXPECT_NE(daemon.facts.session, daemon.facts.process);
-}
-
 TEST(DaemonizeDeathTest, NothingIsOpenButNull) {
     const Daemonizing daemon([] {
         limitDescriptors(1024);
@@ -138,22 +120,6 @@ TEST(DaemonizeDeathTest, WhereManyCannotBeClosedAtOnceEachIsClosed) {
         dup2(STDOUT_FILENO, 1023);
         refuseSystemCall(SYS_close_range, ENOSYS);
     });
-    EXPECT_EQ(daemon.facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
-}
-
-TEST(DaemonizeDeathTest, DirectoryAndMaskStay) {
-    fs::create_directories("/tmp/elsewhere");
-    const Daemonizing daemon([] {
-        fs::current_path("/tmp/elsewhere");
-        umask(0137);
-    });
-    EXPECT_EQ(daemon.facts.directory, "/tmp/elsewhere");
-    EXPECT_EQ(daemon.facts.mask, 0137U);
-}
-
-TEST(DaemonizeDeathTest, ClosedStandardInputIsReported) {
-    const Daemonizing daemon([] { close(STDIN_FILENO); });
-    EXPECT_EQ(daemon.starter.err(), "Bad file descriptor: Bad file descriptor\n");
     EXPECT_EQ(daemon.facts.descriptors, "0:/dev/null 1:/dev/null 2:/dev/null ");
 }
 
