@@ -37,7 +37,7 @@ protected:
     }
 };
 
-TEST_F(FailingStartTest, WithoutASocket) {
+TEST_F(FailingStartTest, EndsWithoutASocket) {
     // The RTOS link's socket, its option, the listening socket's option.
     expectEnd(whereCallFails("socket", EMFILE),
               "Too many open files: Too many open files\n"
@@ -45,26 +45,26 @@ TEST_F(FailingStartTest, WithoutASocket) {
               "Bad file descriptor: Bad file descriptor\n");
 }
 
-TEST_F(FailingStartTest, WithoutTheRightToThePort) {
+TEST_F(FailingStartTest, EndsWithoutTheRightToThePort) {
     expectEnd(whereCallFails("bind", EACCES), "Permission denied: Permission denied\n");
 }
 
-TEST_F(FailingStartTest, WhenSomebodyElseListensFirst) {
+TEST_F(FailingStartTest, EndsWhenSomebodyElseListensFirst) {
     expectEnd(whereCallFails("listen", EADDRINUSE),
               "Address already in use: Address already in use\n");
 }
 
-TEST_F(FailingStartTest, WithoutASecondThread) {
+TEST_F(FailingStartTest, EndsWithoutASecondThread) {
     // The main thread and the worker.
     expectEnd(withThreads(2), "");
 }
 
-TEST_F(FailingStartTest, WithoutAThirdThread) {
+TEST_F(FailingStartTest, EndsWithoutAThirdThread) {
     expectEnd(withThreads(3), "");
 }
 
 // A limit of stacks is the size of every thread's stack: more than there are addresses.
-TEST_F(FailingStartTest, WithoutAThread) {
+TEST_F(FailingStartTest, EndsWithoutAThread) {
     constexpr auto NO_ROOM_BYTES = "200000000000000";
     expectEnd(
         {"prlimit", std::string("--stack=") + NO_ROOM_BYTES + ":", programs::RETICLED_FOREGROUND},

@@ -35,7 +35,7 @@ protected:
     FrameClient client;
 };
 
-TEST_F(LogTest, List) {
+TEST_F(LogTest, ListIsLogged) {
     client.sendFrame(GET_ALL);
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);
     EXPECT_EQ(client.readReply(), exchanges::ONE_DOT_REPLY);
@@ -75,7 +75,7 @@ responseThread: msg to send = {
     EXPECT_EQ(service.errors(), "json value: 0\n");
 }
 
-TEST_F(LogTest, RefusedList) {
+TEST_F(LogTest, RefusedListIsLogged) {
     client.sendFrame(GET_ALL);
     EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
     EXPECT_EQ(client.readReply(), FULL_REPLY);
@@ -94,7 +94,7 @@ responseThread: msg to send = {
     EXPECT_EQ(service.errors(), "json value: 6\n");
 }
 
-TEST_F(LogTest, SetActive) {
+TEST_F(LogTest, ActivationIsLogged) {
     flash.write("list.json", "[{}]");
     client.sendFrame(R"({"action":"RETICLE_SET_ACTIVE","index":1})");
     EXPECT_NE(rtos.exchange(DONE), "");
@@ -117,7 +117,7 @@ responseThread: msg to send = {
     EXPECT_EQ(service.errors(), "json value: 0\n");
 }
 
-TEST_F(LogTest, Add) {
+TEST_F(LogTest, AdditionIsLogged) {
     flash.write("list.json", "[{}]");
     client.sendFrame(
         R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"name":"A","data":"<a/>"}]})");
@@ -150,7 +150,7 @@ responseThread: msg to send = {
     EXPECT_EQ(service.errors(), "json value: 0\n");
 }
 
-TEST_F(LogTest, Delete) {
+TEST_F(LogTest, DeletionIsLogged) {
     client.sendFrame(R"({"action":"RETICLES_DELETE","indices":[2,5]})");
     EXPECT_NE(rtos.exchange(DONE), "");
     EXPECT_NE(rtos.exchange(R"([{"ret_val":7}])"), "");
@@ -183,7 +183,7 @@ responseThread: msg to send = {
     EXPECT_EQ(service.errors(), "json value: 0\njson value: 7\n");
 }
 
-TEST_F(LogTest, EmptyDelete) {
+TEST_F(LogTest, DeletionOfNothingIsLogged) {
     flash.write("list.json", "[{}]");
     client.sendFrame(R"({"action":"RETICLES_DELETE"})");
     EXPECT_EQ(rtos.exchange(LIST_ANSWER), LIST_REQUEST);

@@ -55,7 +55,7 @@ protected:
     const std::string crossFile = "/tmp/FL0/home/cross.svg";
 };
 
-TEST_F(StoriesTest, List) {
+TEST_F(StoriesTest, DeviceIsListed) {
     EXPECT_EQ(tableOf({"list"}), FACTORY_TABLE);
 }
 
@@ -65,7 +65,7 @@ TEST_F(StoriesTest, ListAsJsonIsTheReplyItself) {
     EXPECT_EQ(Reticlectl::run({"--json", "list"}).output, client.readReply() + "\n");
 }
 
-TEST_F(StoriesTest, Activate) {
+TEST_F(StoriesTest, ReticleIsActivated) {
     const std::string expected = R"(INDEX  ACTIVE  NAME          DELETABLE  COLOUR
     0          Duplex        no         black
     1          Mil-Dot       no         red
@@ -82,7 +82,7 @@ TEST_F(StoriesTest, Activate) {
     EXPECT_EQ(tableOf({"list"}), expected);
 }
 
-TEST_F(StoriesTest, Add) {
+TEST_F(StoriesTest, ReticlesAreAdded) {
     EXPECT_EQ(tableOf({"add", "Ring", ringFile, "Kreuz 1\xC2\xB0", "-"}, CROSS),
               std::string(FACTORY_TABLE) + R"(    8          Ring          yes        red
     9          Kreuz 1°      yes        -
@@ -92,7 +92,7 @@ TEST_F(StoriesTest, Add) {
     EXPECT_EQ(flash.names(), std::vector<std::string>{"reticle_list.json"});
 }
 
-TEST_F(StoriesTest, AddToAFullDevice) {
+TEST_F(StoriesTest, AdditionEndsWhereTheDeviceIsFull) {
     startDevice({"--max-reticles", "9"});
     const Reticlectl call =
         Reticlectl::run({"add", "Ring", ringFile, "Cross", crossFile, "Spare", ringFile});
@@ -111,7 +111,7 @@ TEST_F(StoriesTest, AddToAFullDevice) {
     EXPECT_EQ(flash.names(), std::vector<std::string>{"reticle_list.json"});
 }
 
-TEST_F(StoriesTest, Update) {
+TEST_F(StoriesTest, ReticleIsUpdated) {
     EXPECT_EQ(tableOf({"update", "7", "Ring", ringFile}),
               R"(INDEX  ACTIVE  NAME          DELETABLE  COLOUR
     0  *       Duplex        no         black
@@ -127,7 +127,7 @@ TEST_F(StoriesTest, Update) {
     expectRefused({"update", "8", "Ring", ringFile}, "RETICLE_INDEX_NOT_FOUND");
 }
 
-TEST_F(StoriesTest, Delete) {
+TEST_F(StoriesTest, ReticleIsDeleted) {
     const std::string expected = R"(INDEX  ACTIVE  NAME          DELETABLE  COLOUR
     0  *       Duplex        no         black
     1          Mil-Dot       no         red
@@ -143,14 +143,14 @@ TEST_F(StoriesTest, Delete) {
     EXPECT_EQ(tableOf({"list"}), expected);
 }
 
-TEST_F(StoriesTest, DeletionOfOneThatIsGone) {
+TEST_F(StoriesTest, DeletionEndsAtOneThatIsGone) {
     const Reticlectl call = Reticlectl::run({"delete", "7", "7"});
     EXPECT_EQ(call.status, Reticlectl::REFUSED);
     EXPECT_TRUE(call.error.ends_with("\ndone (1): 7\nrefused: 7\n")) << call.error;
     EXPECT_EQ(call.table(), tableOf({"list"}));
 }
 
-TEST_F(StoriesTest, EmptyFile) {
+TEST_F(StoriesTest, EmptyFileIsNotSent) {
     flash.write("home/empty.svg", "");
     const Reticlectl call = Reticlectl::run({"add", "E", "/tmp/FL0/home/empty.svg"});
     EXPECT_EQ(call.status, Reticlectl::USAGE);
@@ -159,7 +159,7 @@ TEST_F(StoriesTest, EmptyFile) {
               std::string(FACTORY_TABLE) + "    8          Ring          yes        red\n");
 }
 
-TEST_F(StoriesTest, StorageThatTheServiceMayNotWrite) {
+TEST_F(StoriesTest, StorageThatTheServiceMayNotWriteIsNamed) {
     // The way that the service's data files take is barred.
     flash.write("new_reticle_data0/in-the-way", "");
     const Reticlectl call = Reticlectl::run({"add", "Ring", ringFile});
@@ -169,7 +169,7 @@ TEST_F(StoriesTest, StorageThatTheServiceMayNotWrite) {
         << call.error;
 }
 
-TEST_F(StoriesTest, Show) {
+TEST_F(StoriesTest, ReticleIsShownAndSaved) {
     const Reticlectl shown = Reticlectl::run({"show", "1"});
     EXPECT_EQ(shown.status, Reticlectl::DONE);
     EXPECT_TRUE(shown.output.starts_with("<svg ")) << shown.output;
@@ -181,7 +181,7 @@ TEST_F(StoriesTest, Show) {
     EXPECT_EQ(flash.read("home/saved.svg"), shown.output);
 }
 
-TEST_F(StoriesTest, ServiceThatIsNotThere) {
+TEST_F(StoriesTest, ServiceThatIsNotThereIsReported) {
     service.reset();
     const Reticlectl call = Reticlectl::run({"list"});
     EXPECT_EQ(call.status, Reticlectl::CANNOT_CONNECT);
@@ -189,7 +189,7 @@ TEST_F(StoriesTest, ServiceThatIsNotThere) {
     EXPECT_NE(call.error, "");
 }
 
-TEST_F(StoriesTest, DeviceThatComesLater) {
+TEST_F(StoriesTest, DeviceThatComesLaterIsServed) {
     EXPECT_EQ(simulator->stop(), 0);
     const Reticlectl call = Reticlectl::run({"--timeout", "1", "list"});
     EXPECT_EQ(call.status, Reticlectl::NO_REPLY);
@@ -207,7 +207,7 @@ TEST_F(StoriesTest, DeviceGoesBackToTheFactorySet) {
     EXPECT_EQ(tableOf({"list"}), FACTORY_TABLE);
 }
 
-TEST_F(StoriesTest, ALifeOfADevice) {
+TEST_F(StoriesTest, DeviceLivesThroughAllCommandsAndARestart) {
     EXPECT_EQ(tableOf({"add", "Ring", ringFile, "Cross", crossFile, "Spare", ringFile}),
               std::string(FACTORY_TABLE) + R"(    8          Ring          yes        red
     9          Cross         yes        -

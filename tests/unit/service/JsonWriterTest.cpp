@@ -33,7 +33,7 @@ Json::Value parsed(const std::string& text) {
     return value;
 }
 
-TEST(JsonWriterTest, EachKindOfScalar) {
+TEST(JsonWriterTest, WritesEachKindOfScalar) {
     expectLikeLibrary(Json::nullValue);
     expectLikeLibrary(true);
     expectLikeLibrary(false);
@@ -47,7 +47,7 @@ TEST(JsonWriterTest, EachKindOfScalar) {
     }
 }
 
-TEST(JsonWriterTest, EachByteAtEachPlaceOfAWord) {
+TEST(JsonWriterTest, WritesEachByteAtEachPlaceOfAWord) {
     constexpr int BYTES = 256;
     for (int byte = 0; byte < BYTES; ++byte) {
         for (std::size_t place = 0; place < 18; ++place) {
@@ -59,7 +59,7 @@ TEST(JsonWriterTest, EachByteAtEachPlaceOfAWord) {
     }
 }
 
-TEST(JsonWriterTest, StringsOfEveryLengthAroundAPiece) {
+TEST(JsonWriterTest, WritesStringsOfEveryLengthAroundAPiece) {
     for (std::size_t length = 4060; length < 4110; ++length) {
         expectLikeLibrary(stringValue(std::string(length, 'x')));
         expectLikeLibrary(stringValue(std::string(length, '"')));
@@ -68,7 +68,7 @@ TEST(JsonWriterTest, StringsOfEveryLengthAroundAPiece) {
     }
 }
 
-TEST(JsonWriterTest, TextBeyondAsciiAndWhatIsNoUtf8) {
+TEST(JsonWriterTest, WritesTextBeyondAsciiAndWhatIsNoUtf8) {
     for (const char* text : {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x8E\xAF", "\xC3", "\xE2\x82",
                              "\xF0\x9F\x8E", "\xC0\x80", "\xED\xA0\x80", "\xFF\"", "a\x80\"b"}) {
         expectLikeLibrary(stringValue(text));
@@ -78,7 +78,7 @@ TEST(JsonWriterTest, TextBeyondAsciiAndWhatIsNoUtf8) {
     }
 }
 
-TEST(JsonWriterTest, EmptyAndNestedContainers) {
+TEST(JsonWriterTest, WritesEmptyAndNestedContainers) {
     for (const char* text :
          {"[]", "{}", "[[]]", "[{}]", R"({"a":[]})", R"({"a":{}})",
           R"([[1],[2,[3]],{"b":[{"c":{}}]}])", R"({"b":{"a":[1,null]},"":""})"}) {
@@ -91,14 +91,14 @@ TEST(JsonWriterTest, EmptyAndNestedContainers) {
     expectLikeLibrary(parsed(repeated("[", DEEP) + repeated("]", DEEP)));
 }
 
-TEST(JsonWriterTest, CommentsAreWrittenToo) {
+TEST(JsonWriterTest, WritesCommentsToo) {
     for (const char* text : {"// a\n1", "1 // a\n", "[1 /* a */, 2]", "[\n// a\n{\"b\":1 /* c */}]",
                              "{\"index\":\n/* a */ 3 // b\n}", "[1] /* end */"}) {
         expectLikeLibrary(parsed(text));
     }
 }
 
-TEST(JsonWriterTest, RandomValues) {
+TEST(JsonWriterTest, WritesRandomValues) {
     constexpr int TEXTS = 5000;
     randomJson::Generator generator;
     for (int i = 0; i < TEXTS; ++i) {
@@ -113,7 +113,7 @@ TEST(JsonWriterTest, RandomValues) {
     }
 }
 
-TEST(JsonWriterTest, RandomBytes) {
+TEST(JsonWriterTest, WritesRandomBytes) {
     constexpr int TEXTS = 2000;
     std::minstd_rand random;
     for (int i = 0; i < TEXTS; ++i) {
