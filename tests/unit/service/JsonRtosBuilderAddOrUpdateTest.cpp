@@ -94,11 +94,11 @@ TEST_F(JsonRtosBuilderAddOrUpdateTest, RecordThatCannotBeReadIsLeftOutAndTakesNo
     EXPECT_EQ(output.err(), "Wrong json key\n");
 }
 
-TEST_F(JsonRtosBuilderAddOrUpdateTest, NothingOfTheLastCommandIsLeft) {
-    const std::string request = R"({"reticles":[{"name":"New","data":"D"}]})";
-    EXPECT_EQ(requestsFor(request), Requests{ADD_FIRST});
-    builder.removeDataFiles();
-    EXPECT_EQ(requestsFor(request), Requests{ADD_FIRST});
+TEST_F(JsonRtosBuilderAddOrUpdateTest, ResetForgetsWhatWasBuilt) {
+    builder.reset();
+    builder.build(R"({"reticles":[{"name":"New","data":"D"}]})");
+    builder.reset();
+    EXPECT_EQ(builder.getRequests(), Requests{});
 }
 
 TEST_F(JsonRtosBuilderAddOrUpdateTest, WithoutStorageTheRequestsNameTheFilesAllTheSame) {

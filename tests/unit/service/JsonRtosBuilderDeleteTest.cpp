@@ -53,9 +53,11 @@ TEST_F(JsonRtosBuilderDeleteTest, IndicesThatAreNoIntegersAreLeftOut) {
     EXPECT_EQ(output.err(), "Wrong json key\n");
 }
 
-TEST_F(JsonRtosBuilderDeleteTest, NothingOfTheLastCommandIsLeft) {
-    EXPECT_EQ(requestsFor(R"({"indices":[2,5]})").size(), 2U);
-    EXPECT_EQ(requestsFor(R"({"indices":[1]})"), Requests{DELETE_1});
+TEST_F(JsonRtosBuilderDeleteTest, ResetForgetsWhatWasBuilt) {
+    builder.reset();
+    builder.build(R"({"indices":[2,5]})");
+    builder.reset();
+    EXPECT_EQ(builder.getRequests(), Requests{});
 }
 
 }  // namespace
