@@ -28,9 +28,9 @@ TEST_F(UnknownActionTest, EndsTheDaemonAtOnceWithoutAReply) {
     EXPECT_FALSE(rtos.isCalled());
 }
 
-using RequestWithoutActionTest = SystemTest;
+using UnusableRequestTest = SystemTest;
 
-TEST_F(RequestWithoutActionTest, IsReportedAndTheServiceGoesOn) {
+TEST_F(UnusableRequestTest, IsReportedAndTheServiceGoesOn) {
     ScriptedRtos rtos;
     ForegroundService service;
     service.waitUntilListening();
@@ -42,6 +42,10 @@ TEST_F(RequestWithoutActionTest, IsReportedAndTheServiceGoesOn) {
     EXPECT_TRUE(service.hasError(std::string(NO_TEXT) + NO_TEXT));
     client.sendFrame("[1]");
     EXPECT_TRUE(service.hasError("requires objectValue\n"));
+    client.sendFrame(R"({"action":"RETICLE_SET_ACTIVE","index":"one"})");
+    EXPECT_TRUE(service.hasError("_handlerRoutine, exception: Value is not convertible to Int.\n"));
+    client.sendFrame(R"({"action":"RETICLE_SET_ACTIVE","index":3000000000})");
+    EXPECT_TRUE(service.hasError("out of Int range\n"));
     EXPECT_FALSE(rtos.isCalled());
     exchanges::expectServed(client, rtos);
 }
