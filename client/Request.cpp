@@ -4,6 +4,7 @@
 
 #include <string_view>
 
+#include "client/ActionNames.h"
 #include "client/Utf8.h"
 #include "reticle-client/Errors.h"
 
@@ -11,9 +12,9 @@ namespace reticle {
 
 namespace {
 
-Json::Value action(const char* name) {
+Json::Value action(std::string_view name) {
     Json::Value request(Json::objectValue);
-    request["action"] = name;
+    request["action"] = std::string(name);
     return request;
 }
 
@@ -47,7 +48,7 @@ Json::Value storeRequest(const Json::Value& index, const NewReticle& reticle) {
     }
     // Before anything is copied: no JSON text is shorter than what it carries.
     requireFits(reticle.name.size() + reticle.data.size());
-    Json::Value request = action("RETICLES_ADD_OR_UPDATE");
+    Json::Value request = action(ADD_OR_UPDATE_ACTION);
     Json::Value& record = request["reticles"].append(Json::objectValue);
     record["name"] = carried(reticle.name, "the name of a reticle");
     record["data"] = carried(reticle.data, "the data of reticle \"" + reticle.name + "\"");
@@ -70,11 +71,11 @@ std::string written(const Json::Value& request) {
 }  // namespace
 
 std::string listRequest() {
-    return written(action("RETICLES_GET_ALL"));
+    return written(action(LIST_ACTION));
 }
 
 std::string activateRequest(int index) {
-    Json::Value request = action("RETICLE_SET_ACTIVE");
+    Json::Value request = action(ACTIVATE_ACTION);
     request["index"] = index;
     return written(request);
 }
@@ -91,7 +92,7 @@ std::string updateRequest(int index, const NewReticle& reticle) {
 }
 
 std::string removeRequest(int index) {
-    Json::Value request = action("RETICLES_DELETE");
+    Json::Value request = action(DELETE_ACTION);
     request["indices"].append(index);
     return written(request);
 }

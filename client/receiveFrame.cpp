@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "client/FrameCheck.h"
 #include "client/FrameFormat.h"
 #include "reticle-client/Errors.h"
 
@@ -11,11 +12,13 @@ namespace {
 
 /// Checks as much of the sequence as has come, so that a foreign server is told at its first bytes.
 void requireSync(std::string_view header) {
-    if (!isFrameBegin(header)) {
-        throw MalformedReply(
-            "what came is not a frame of the reticle service: check that host and port are the "
-            "service's");
+    if (isFrameBegin(header)) {
+        return;
     }
+    const auto mistake = findSyncMistake(header);
+    throw MalformedReply("what came is not a frame of the reticle service" +
+                         (mistake ? " (" + mistake->what + ")" : "") +
+                         ": check that host and port are the service's");
 }
 
 void receiveUpTo(std::string& text, std::size_t size, Connection& connection,

@@ -53,6 +53,7 @@ void addCommands(CLI::App& app, const Session& session, ExitStatus& status) {
     addShowCommand(app, session);
     addGalleryCommand(app, session);
     addPingCommand(app, session, status);
+    addTraceCommand(app, session);
     addHelpCommand(app, session);
 }
 

@@ -16,6 +16,7 @@ void addUpdateCommand(CLI::App& app, const Session& session);
 void addDeleteCommand(CLI::App& app, const Session& session);
 void addShowCommand(CLI::App& app, const Session& session);
 void addGalleryCommand(CLI::App& app, const Session& session);
+void addTraceCommand(CLI::App& app, const Session& session);
 
 /// The command that prints the help, its own or that of another command of `app`.
 void addHelpCommand(CLI::App& app, const Session& session);

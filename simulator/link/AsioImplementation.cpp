@@ -1,2 +1,0 @@
-// Asio's own code, compiled once instead of into each file that uses it.
-#include <asio/impl/src.hpp>
