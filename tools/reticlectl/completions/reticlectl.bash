@@ -9,13 +9,14 @@ _reticlectl_options() {
         show) echo --output ;;
         gallery) echo --output --background ;;
         ping) echo --count --interval ;;
+        trace) echo --listen --pass-all ;;
     esac
 }
 
 # Succeeds for an option that the next word belongs to.
 _reticlectl_takes_value() {
     case $1 in
-        --host | --port | --timeout | --color | --watch | --output | --background | --count | --interval) return 0 ;;
+        --host | --port | --timeout | --color | --watch | --output | --background | --count | --interval | --listen) return 0 ;;
         *) return 1 ;;
     esac
 }
@@ -76,7 +77,7 @@ _reticlectl() {
         -*) mapfile -t COMPREPLY < <(compgen -W "$(_reticlectl_options "$command")" -- "$current") ;;
         *,,* | *,help,0)
             mapfile -t COMPREPLY < <(
-                compgen -W "list activate add update delete show gallery ping help" -- "$current"
+                compgen -W "list activate add update delete show gallery ping trace help" -- "$current"
             )
             ;;
         *,add,*[13579] | *,update,2) _reticlectl_complete_files "$current" ;;
