@@ -44,7 +44,7 @@ install(
 set(CLIENT_DOCUMENTS_DIRECTORY ${CMAKE_INSTALL_DATADIR}/doc/libreticle-client-dev)
 install(
     FILES docs/client-library.md docs/client-protocol.md docs/operations.md docs/performance.md docs/rtos-protocol.md
-          docs/sessions.md docs/testing.md
+          docs/sessions.md docs/testing.md docs/trace.md
     DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}/docs
     COMPONENT client-dev)
 install(

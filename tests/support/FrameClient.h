@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -12,8 +13,8 @@
 class FrameClient {
 public:
     /// Connects. For `receiveBufferBytes` see sockets::connectTo.
-    explicit FrameClient(int receiveBufferBytes = 0)
-        : _connection(sockets::connectTo(CLIENT_PORT, receiveBufferBytes)) {}
+    explicit FrameClient(int receiveBufferBytes = 0, std::uint16_t port = CLIENT_PORT)
+        : _connection(sockets::connectTo(port, receiveBufferBytes)) {}
 
     /// Sends `body` as one frame.
     void sendFrame(std::string_view body);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -14,7 +15,8 @@
 class TranscriptPlayer {
 public:
     /// \param flash the shared storage, empty; must outlive the player.
-    explicit TranscriptPlayer(const FlashFiles& flash);
+    /// \param port where the client connects to.
+    explicit TranscriptPlayer(const FlashFiles& flash, std::uint16_t port = CLIENT_PORT);
 
     void play(const Transcript& transcript);
 
@@ -23,6 +25,8 @@ private:
     // One operation for each verb; the first argument is what follows the verb.
     void _sendFromClient(const std::string& what, const sim::Step& step);
     void _receiveAtClient(const std::string& what, const sim::Step& step);
+    void _halfCloseClient(const std::string& rest, const sim::Step& step);
+    void _closeClient(const std::string& rest, const sim::Step& step);
     void _receiveAtRtos(const std::string& rest, const sim::Step& step);
     void _answerFromRtos(const std::string& rest, const sim::Step& step);
     void _checkFile(const std::string& path, const sim::Step& step);
@@ -32,5 +36,5 @@ private:
     const FlashFiles& _flash;
     ScriptedRtos _rtos;
     Daemon _service;
-    std::optional<FrameClient> _client;
+    std::optional<FrameClient> _client;  ///< none once it has closed
 };
