@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -8,6 +9,7 @@
 
 #include "tests/support/FlashFiles.h"
 #include "tests/support/Text.h"
+#include "tests/system/PlayedDeviceTest.h"
 #include "tests/system/Process.h"
 #include "tests/system/ProgramHelp.h"
 #include "tests/system/Programs.h"
@@ -141,6 +143,55 @@ TEST_F(CompletionsTest, FishOffersValues) {
     EXPECT_EQ(offeredByFish("reticlectl add Ring /tmp/FL0/home/r"), file);
     EXPECT_EQ(offeredByFish("reticlectl add /tmp/FL0/home/r"), Words{});
     EXPECT_EQ(offeredByFish("reticlectl update 7 Ring /tmp/FL0/home/r"), file);
+}
+
+/// With a device behind the command line that is completed.
+class IndexCompletionsTest : public PlayedDeviceTest {
+protected:
+    IndexCompletionsTest() {
+        // The shells call the program by its name.
+        const std::filesystem::path program = programs::RETICLECTL;
+        const std::string path = program.parent_path().string() + ":" + ::getenv("PATH");
+        ::setenv("PATH", path.c_str(), 1);
+        ::setenv("HOME", "/tmp/FL0", 1);
+    }
+
+    static constexpr const char* OTHER_PORT = "3450";
+};
+
+TEST_F(IndexCompletionsTest, BashOffersThemWithTheirNames) {
+    const Words offered = offeredByBash({"reticlectl", "show", ""});
+    EXPECT_EQ(offered.size(), 8U);
+    EXPECT_TRUE(offered.contains("0  (Duplex)"));
+    EXPECT_TRUE(offered.contains("3  (BDC 7.62 mm)"));
+    EXPECT_EQ(offeredByBash({"reticlectl", "--json", "activate", "3"}), Words{"3"});
+    EXPECT_EQ(offeredByBash({"reticlectl", "update", "7"}), Words{"7"});
+    EXPECT_EQ(offeredByBash({"reticlectl", "delete", "7", "6"}), Words{"6"});
+    EXPECT_EQ(offeredByBash({"reticlectl", "show", "7", ""}), Words{});
+}
+
+TEST_F(IndexCompletionsTest, FishOffersThem) {
+    const Words offered = offeredByFish("reticlectl show ");
+    EXPECT_EQ(offered, (Words{"0", "1", "2", "3", "4", "5", "6", "7"}));
+    EXPECT_EQ(offeredByFish("reticlectl --port 3451 activate 3"), Words{"3"});
+    EXPECT_EQ(offeredByFish("reticlectl delete 7 6"), Words{"6"});
+}
+
+TEST_F(IndexCompletionsTest, ZshOffersThemWithTheirNames) {
+    TerminalProcess shell({"zsh", "-f", "-i"}, TerminalProcess::WIDE, {{"PS1", "ready> "}});
+    ASSERT_TRUE(shell.eventuallyShows("ready> "));
+    shell.type("fpath=('" + programs::SOURCE_DIRECTORY +
+               "/tools/reticlectl/completions' $fpath); autoload -Uz compinit; compinit -u -D; "
+               "echo load''ed\n");
+    ASSERT_TRUE(shell.eventuallyShows("loaded")) << shell.output();
+    shell.type("reticlectl --port 3451 show \t\t");
+    EXPECT_TRUE(shell.eventuallyShows("3  -- BDC 7.62 mm")) << shell.output();
+}
+
+TEST_F(IndexCompletionsTest, WithoutAServiceNothingIsOffered) {
+    EXPECT_EQ(offeredByBash({"reticlectl", "--port", "=", OTHER_PORT, "show", ""}), Words{});
+    EXPECT_EQ(offeredByBash({"reticlectl", "--port", OTHER_PORT, "show", ""}), Words{});
+    EXPECT_EQ(offeredByFish("reticlectl --port=" + std::string(OTHER_PORT) + " show "), Words{});
 }
 
 TEST_F(CompletionsTest, ZshNamesTheCommandsAndOptions) {

@@ -125,6 +125,17 @@ TEST_F(TerminalTest, AWaitIsToldUntilItIsOver) {
     EXPECT_NE(output.find(" \rreticlectl: no reply from "), std::string::npos) << output;
 }
 
+TEST_F(TerminalTest, APingSaysWhatItWaitsFor) {
+    startDevice({"--fault", "silent"});
+    TerminalProcess process(reticlectl({"--timeout", "1.5", "ping"}));
+    EXPECT_EQ(process.waitForEnd(), Reticlectl::NO_REPLY);
+    const std::string& output = process.output();
+    EXPECT_NE(output.find("list requests\r\n\rwaiting for 127.0.0.1:3451: 1 of 1.5 s\r "),
+              std::string::npos)
+        << output;
+    EXPECT_NE(output.find(" \rreticlectl: seq=1: no reply from "), std::string::npos) << output;
+}
+
 TEST_F(TerminalTest, CtrlCDuringAChangeSaysThatItMayBeDone) {
     startDevice({"--fault", "silent"});
     TerminalProcess process(reticlectl({"--timeout", "60", "activate", "3"}));

@@ -1,6 +1,8 @@
 #include "tools/reticlectl/CommandLine.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
 #include <iterator>
 
 #include <CLI/CLI.hpp>
@@ -10,6 +12,7 @@
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/commands/Session.h"
+#include "tools/reticlectl/commands/suggestionFor.h"
 
 namespace reticlectl {
 
@@ -20,14 +23,41 @@ constexpr const char* FOOTER =
     "Exit status: 0 done, 1 refused by the device, 2 usage, 3 cannot connect,\n"
     "4 no reply in time, 5 malformed reply, 130 interrupted by Ctrl-C.";
 
+constexpr const char* HOST_OPTION = "--host";
+constexpr const char* PORT_OPTION = "--port";
+
+std::string checkPort(const std::string& text) {
+    constexpr int LAST_PORT = 65535;
+    return checkNumber(text, 1, LAST_PORT);
+}
+
+/// The variable's text where the option is not given; nothing for an empty one.
+std::string environmentFor(const CLI::App& app, const char* option, const char* variable) {
+    const char* const value = std::getenv(variable);
+    return value != nullptr && app.count(option) == 0 ? value : "";
+}
+
+/// Takes the device from the environment where the command line does not name it.
+void takeEnvironment(const CLI::App& app, Session& session) {
+    if (const std::string host = environmentFor(app, HOST_OPTION, "RETICLED_HOST"); !host.empty()) {
+        session.host = host;
+    }
+    if (const std::string port = environmentFor(app, PORT_OPTION, "RETICLED_PORT"); !port.empty()) {
+        if (const std::string problem = checkPort(port); !problem.empty()) {
+            throw Failure(ExitStatus::USAGE, "RETICLED_PORT: " + problem);
+        }
+        session.port = static_cast<std::uint16_t>(std::stoi(port));
+    }
+}
+
 void addSharedOptions(CLI::App& app, Session& session) {
-    static constexpr int LAST_PORT = 65535;
-    app.add_option("--host", session.host, "Address or name of the device")
+    app.add_option(HOST_OPTION, session.host,
+                   "Address or name of the device; else RETICLED_HOST has it")
         ->type_name("HOST")
         ->capture_default_str();
-    app.add_option("--port", session.port, "TCP port of the service")
+    app.add_option(PORT_OPTION, session.port, "TCP port of the service; else RETICLED_PORT has it")
         ->type_name("PORT")
-        ->check([](const std::string& text) { return checkNumber(text, 1, LAST_PORT); })
+        ->check(&checkPort)
         ->capture_default_str();
     app.add_option("--timeout", session.timeoutSeconds,
                    "How long to wait for the reply, fractions allowed")
@@ -77,7 +107,8 @@ std::vector<std::string> forParsing(const std::vector<std::string>& arguments) {
 std::string describe(const CLI::App& app, const CLI::ParseError& error) {
     const std::vector<std::string> unknown = app.remaining();
     if (app.get_subcommands().empty() && !unknown.empty()) {
-        return "unknown command or option " + unshieldBrackets(unknown.front());
+        const std::string word = unshieldBrackets(unknown.front());
+        return "unknown command or option " + word + suggestionFor(word, app);
     }
     return error.what();
 }
@@ -132,6 +163,11 @@ ExitStatus run(const std::vector<std::string>& arguments, std::istream& in, std:
     app.footer(FOOTER);
     addSharedOptions(app, session);
     addCommands(app, session, status);
+    app.parse_complete_callback([&app, &session] {
+        if (!app.got_subcommand("help")) {
+            takeEnvironment(app, session);
+        }
+    });
     unshieldOptions(app);
     return parseAndRun(app, arguments, status, session);
 }

@@ -228,9 +228,53 @@ TEST_F(CommandLine, ShowOnATerminalCannotSteerIt) {
 
 TEST_F(CommandLine, ShowToldToATerminalSaysThatTheColourIsFixed) {
     const std::string note =
-        "reticlectl: note: the user's colour is put in; stored again as it is, it stays fixed\n";
+        "reticlectl: note: the user's colour is put in; stored again as it is, it stays fixed, but "
+        "for --template\n";
     EXPECT_EQ(exchange({"show", "4"}, ONE_RETICLE, "", onTerminal()).outcome.err, note);
     EXPECT_EQ(exchange({"show", "4"}).outcome.err, "");
+}
+
+TEST_F(CommandLine, ShowAsATemplatePutsThePlaceholderBack) {
+    EXPECT_EQ(exchange({"show", "4", "--template"}).outcome.out, "<svg stroke=\"user_color\"/>\n");
+    EXPECT_EQ(exchange({"show", "4", "--template", "--json"}).outcome.out,
+              R"({"data":"<svg stroke=\"user_color\"/>\n","index":4,"isActive":true,)"
+              R"("isDeletable":true,"name":"Dot"})"
+              "\n");
+    EXPECT_EQ(exchange({"show", "4", "--template"}, ONE_RETICLE, "", onTerminal()).outcome.err,
+              "reticlectl: note: each \"red\" is \"user_color\" now\n");
+}
+
+TEST_F(CommandLine, ShowAsATemplateTakesEachValueThatIsTheColour) {
+    const std::string reply =
+        R"({"result":"OK","reticles":[{"index":4,"name":"","isDeletable":true,"isActive":true,)"
+        R"("data":"<svg><a fill=\"#F00\" stroke='#F00'/><b stroke=\"#F00\"/><c fill=\"#F000\"/>"}]})";
+    EXPECT_EQ(
+        exchange({"show", "4", "--template"}, reply).outcome.out,
+        R"(<svg><a fill="user_color" stroke='#F00'/><b stroke="user_color"/><c fill="#F000"/>)");
+}
+
+TEST_F(CommandLine, ShowAsATemplateFailsWhereTheColourCannotBeTold) {
+    for (const char* data : {"no drawing", "<svg stroke='red'/>"}) {
+        const std::string reply =
+            R"({"result":"OK","reticles":[{"index":4,"name":"","isDeletable":true,"isActive":true,)"
+            R"("data":")" +
+            std::string(data) + R"("}]})";
+        const Exchange run =
+            exchange({"show", "4", "--template", "--output", pathOf("out.svg")}, reply);
+        expectOneErrorLine(run.outcome, ExitStatus::REFUSED, "no colour in double quotes");
+        EXPECT_FALSE(std::filesystem::exists(pathOf("out.svg"))) << data;
+    }
+}
+
+TEST_F(CommandLine, ListOfNamesIsForScripts) {
+    const std::string reply =
+        R"({"result":"OK","reticles":[)"
+        R"({"index":4,"name":"a\tb\n","data":"x","isDeletable":true,"isActive":true},)"
+        R"({"index":null,"name":"none","data":"x","isDeletable":true,"isActive":true},)"
+        R"({"index":12,"name":"","data":"x","isDeletable":true,"isActive":true}]})";
+    EXPECT_EQ(exchange({"list", "--names"}, reply).outcome.out, "4\ta\\tb\\n\n12\t\n");
+    EXPECT_EQ(exchange({"list", "--names", "--json"}).outcome.out, std::string(ONE_RETICLE) + '\n');
+    expectUsageError({"list", "--names", "--watch", "1"}, "--watch");
 }
 
 TEST_F(CommandLine, JsonCannotSteerTheTerminal) {
@@ -364,6 +408,50 @@ TEST_F(CommandLine, AMistakeNamesTheHelpThatTellsMore) {
     expectUsageError({"add", "Dot"}, ": see reticlectl add --help\n");
     expectUsageError({"list", "--port", "0"}, ": see reticlectl --help\n");
     expectUsageError({"lst"}, ": see reticlectl --help\n");
+}
+
+TEST_F(CommandLine, AMisspeltCommandGetsTheOneThatIsNearest) {
+    expectUsageError({"lst"}, "unknown command or option lst (did you mean list?): see ");
+    expectUsageError({"--timeout", "5", "pong"}, " pong (did you mean ping?): see ");
+    expectUsageError({"sohw", "4"}, " sohw (did you mean show?): see ");
+    expectUsageError({"act"}, " act (did you mean activate?): see ");
+    expectUsageError({"help", "galery"}, "unknown command galery (did you mean gallery?): see ");
+    for (const std::string word : {"ab", "remove", "lxyt", ""}) {
+        expectUsageError({word}, "unknown command or option " + word + ": see ");
+    }
+}
+
+TEST_F(CommandLine, TheEnvironmentNamesTheDevice) {
+    std::vector<std::string> requests;
+    const FakeService service(answering(encodeFrame(ONE_RETICLE), &requests));
+    ::setenv("RETICLED_HOST", "localhost", 1);
+    ::setenv("RETICLED_PORT", std::to_string(service.port()).c_str(), 1);
+    EXPECT_EQ(runProgram({"list"}).out, ONE_RETICLE_TABLE);
+    EXPECT_EQ(requests.size(), 1U);
+}
+
+TEST_F(CommandLine, TheCommandLineBeatsTheEnvironment) {
+    ::setenv("RETICLED_HOST", "host.invalid", 1);
+    ::setenv("RETICLED_PORT", "http", 1);
+    EXPECT_EQ(exchange({"--host", "127.0.0.1", "list"}).outcome.out, ONE_RETICLE_TABLE);
+    EXPECT_EQ(exchange({"list", "--host", "127.0.0.1"}).outcome.out, ONE_RETICLE_TABLE);
+}
+
+TEST_F(CommandLine, AnEmptyVariableNamesNothing) {
+    ::setenv("RETICLED_HOST", "", 1);
+    ::setenv("RETICLED_PORT", "", 1);
+    EXPECT_EQ(exchange({"list"}).outcome.out, ONE_RETICLE_TABLE);
+}
+
+TEST_F(CommandLine, ABadPortInTheEnvironmentIsToldWithItsVariable) {
+    for (const char* port : {"0", "65536", "http", "3451 "}) {
+        ::setenv("RETICLED_PORT", port, 1);
+        const Outcome outcome = runProgram({"list"});
+        expectOneErrorLine(
+            outcome, ExitStatus::USAGE,
+            "RETICLED_PORT: \"" + std::string(port) + "\" is not a number from 1 to 65535");
+    }
+    EXPECT_EQ(runProgram({"help"}).status, ExitStatus::DONE);
 }
 
 TEST_F(CommandLine, NumbersThatAreTooLargeAreToldTheirRange) {
@@ -506,9 +594,10 @@ TEST_F(CommandLine, AFailureAsJsonIsOneDocument) {
         R"({"error":{"exitStatus":1,"kind":"REFUSED","message":"the device lists no)"));
     const Outcome unknown = runProgram({"--json", "lst"});
     expectOneErrorLine(unknown, ExitStatus::USAGE, "lst");
-    EXPECT_EQ(unknown.out, R"({"error":{"exitStatus":2,"kind":"USAGE","message":)"
-                           R"("unknown command or option lst: see reticlectl --help"}})"
-                           "\n");
+    EXPECT_EQ(unknown.out,
+              R"({"error":{"exitStatus":2,"kind":"USAGE","message":)"
+              R"("unknown command or option lst (did you mean list?): see reticlectl --help"}})"
+              "\n");
 }
 
 TEST_F(CommandLine, ColoursAreAutoAlwaysOrNever) {

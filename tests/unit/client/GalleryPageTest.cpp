@@ -71,6 +71,22 @@ TEST(GalleryPage, DataAndNameMayBeEmptyAndTheIndexMissing) {
                                 "href=\"data:application/octet-stream;base64,\">Download</a>"));
 }
 
+TEST(GalleryPage, ADrawingsDescriptionIsShownAsText) {
+    const auto pageOf = [](const std::string& description) {
+        return galleryOf(
+            {{1, "Dot", "<svg><desc>" + description + "</desc><g/></svg>", false, false}});
+    };
+    EXPECT_THAT(pageOf(" 1 mil &lt;b&gt;\x1B&amp;<![CDATA[<i>]]> "),
+                HasSubstr("<p class=\"description\" dir=\"auto\">1 mil &lt;b&gt;\\x1B&amp;</p>"));
+    EXPECT_THAT(pageOf("<![CDATA[<script>]]>"), HasSubstr(">&lt;script&gt;</p>"));
+    EXPECT_THAT(pageOf(std::string(1000, 'x')), HasSubstr('>' + std::string(299, 'x') + "…</p>"));
+    EXPECT_THAT(pageOf(" "), Not(HasSubstr("class=\"description\"")));
+    EXPECT_THAT(galleryOf({{1, "Dot", "<svg><g><desc>of a part</desc></g></svg>", false, false}}),
+                Not(HasSubstr("of a part</p>")));
+    EXPECT_THAT(galleryOf({{1, "Dot", "<svg><desc>not well-formed</desc>", false, false}}),
+                Not(HasSubstr("</p>not well-formed")));
+}
+
 TEST(GalleryPage, NamesAreEscapedEverywhere) {
     const std::string page = galleryOf({{1, "\"><img src=x onerror=y>\x1B", DOT, false, false}});
     EXPECT_THAT(page, HasSubstr("&quot;&gt;&lt;img src=x onerror=y&gt;\\x1B</h2>"));

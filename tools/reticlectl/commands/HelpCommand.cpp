@@ -2,6 +2,7 @@
 #include <string>
 
 #include "tools/reticlectl/commands/Commands.h"
+#include "tools/reticlectl/commands/suggestionFor.h"
 #include "tools/reticlectl/outcome/Failure.h"
 
 namespace reticlectl {
@@ -17,7 +18,9 @@ std::string helpOf(CLI::App& app, const std::string& command) {
     const auto found = app.get_subcommands(
         [&command](const CLI::App* each) { return each->get_name() == command; });
     if (found.empty()) {
-        throw Failure(ExitStatus::USAGE, "unknown command " + command + ": see reticlectl --help");
+        throw Failure(
+            ExitStatus::USAGE,
+            "unknown command " + command + suggestionFor(command, app) + ": see reticlectl --help");
     }
     return found.front()->help("reticlectl");
 }

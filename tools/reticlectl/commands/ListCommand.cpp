@@ -3,8 +3,22 @@
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/commands/ReticleWatch.h"
+#include "tools/reticlectl/terminal/DisplayText.h"
 
 namespace reticlectl {
+
+namespace {
+
+/// Without the reticles that have no index, as no command can name them.
+void printNames(const Session& session) {
+    for (const reticle::Reticle& reticle : session.list().reticles) {
+        if (reticle.index) {
+            session.out << *reticle.index << '\t' << printable(reticle.name) << '\n';
+        }
+    }
+}
+
+}  // namespace
 
 void addListCommand(CLI::App& app, const Session& session) {
     auto* command = app.add_subcommand("list", "Show the reticles of the device");
@@ -14,8 +28,14 @@ void addListCommand(CLI::App& app, const Session& session) {
                                          "Show them again and again, this often, until Ctrl-C")
                             ->type_name("SECONDS")
                             ->check(&checkSeconds);
-    command->callback([&session, interval, watch] {
-        if (watch->empty()) {
+    const auto onlyNames = std::make_shared<bool>(false);
+    command
+        ->add_flag("--names", *onlyNames, "Print the indices and names alone, a tab between them")
+        ->excludes(command->get_option("--watch"));
+    command->callback([&session, interval, watch, onlyNames] {
+        if (*onlyNames && !session.wantsJson) {
+            printNames(session);
+        } else if (watch->empty()) {
             session.print(session.list());
         } else {
             ReticleWatch(session, *interval).run();

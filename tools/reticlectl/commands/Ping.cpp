@@ -49,7 +49,12 @@ void Ping::_sendOne() {
 
 void Ping::_exchange() {
     if (!_client) {
-        _client = _session.connect(_interrupt.descriptor());
+        _client =
+            _session.connect(_interrupt.descriptor(), [this](std::chrono::milliseconds passed) {
+                if (_progress) {
+                    _progress->showWait(passed);
+                }
+            });
     }
     const auto start = Clock::now();
     std::size_t bytes = 0;
@@ -63,6 +68,7 @@ void Ping::_exchange() {
 
 void Ping::_noteAnswer(std::size_t bytes, Milliseconds roundTrip) {
     _statistics.addAnswer(roundTrip);
+    _endProgress();
     if (!_session.wantsJson) {
         _session.out << bytes << " bytes from " << printable(_session.peer())
                      << ": seq=" << _statistics.transmitted()
@@ -74,11 +80,19 @@ void Ping::_noteLoss(ExitStatus status, const std::string& problem) {
     _client.reset();
     _lastLoss = status;
     _statistics.addLoss();
+    _endProgress();
     _session.err << "reticlectl: seq=" << _statistics.transmitted() << ": " << printable(problem)
                  << std::endl;
 }
 
+void Ping::_endProgress() const {
+    if (_progress) {
+        _progress->end();
+    }
+}
+
 void Ping::_printSummary(Milliseconds elapsed) const {
+    _endProgress();
     const std::string peer = printable(_session.peer());
     if (_session.wantsJson) {
         _session.out << _statistics.json(peer, elapsed) << '\n';

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,7 +20,10 @@ public:
     /// \param count how many requests, 0 for as many as until Ctrl-C.
     /// \param intervalSeconds from one request to the next; a later answer puts the next one off.
     Ping(const Session& session, std::size_t count, double intervalSeconds)
-        : _session(session), _count(count), _intervalSeconds(intervalSeconds) {}
+        : _session(session),
+          _count(count),
+          _intervalSeconds(intervalSeconds),
+          _progress(session.progressLine()) {}
 
     /// Prints each answer, and the statistics at the end or at Ctrl-C. \return DONE when there was
     /// an answer, a refusal by the device included, else why the last request had none.
@@ -31,6 +35,8 @@ private:
     void _exchange();
     void _noteAnswer(std::size_t bytes, Milliseconds roundTrip);
     void _noteLoss(ExitStatus status, const std::string& problem);
+    /// Before anything else is shown.
+    void _endProgress() const;
     void _printSummary(Milliseconds elapsed) const;
 
     const Session& _session;
@@ -38,6 +44,8 @@ private:
     double _intervalSeconds;
     InterruptSignal _interrupt;
     PingStatistics _statistics;
+    // Null where standard error is no terminal.
+    std::shared_ptr<ProgressLine> _progress;
     // Empty before the first request and after one that was lost.
     std::optional<reticle::ReticleClient> _client;
     ExitStatus _lastLoss = ExitStatus::NO_REPLY;

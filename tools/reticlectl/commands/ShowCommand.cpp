@@ -7,6 +7,7 @@
 #include "reticle-client/UserColor.h"
 #include "tools/reticlectl/commands/Commands.h"
 #include "tools/reticlectl/commands/NumberArguments.h"
+#include "tools/reticlectl/commands/userColorTemplate.h"
 #include "tools/reticlectl/files/TextFile.h"
 #include "tools/reticlectl/outcome/Failure.h"
 #include "tools/reticlectl/outcome/JsonLine.h"
@@ -19,9 +20,10 @@ namespace {
 struct ShowArguments {
     int index = 0;
     std::string output = STANDARD_STREAM;
+    bool isTemplate = false;
 };
 
-const reticle::Reticle& reticleOf(const reticle::Reply& reply, int index) {
+reticle::Reticle reticleOf(const reticle::Reply& reply, int index) {
     const auto found =
         std::find_if(reply.reticles.begin(), reply.reticles.end(),
                      [index](const reticle::Reticle& reticle) { return reticle.index == index; });
@@ -42,12 +44,28 @@ std::string textFor(const Session& session, const std::string& output,
     return isForTerminal ? printableLines(reticle.data) : reticle.data;
 }
 
+/// What a person should know of the colour; nothing where there is none.
+std::string noteOn(const std::string& data, bool isTemplate) {
+    const auto color = reticle::userColor(data);
+    if (!color) {
+        return "";
+    }
+    return isTemplate
+               ? "note: each \"" + *color + "\" is \"user_color\" now"
+               : "note: the user's colour is put in; stored again as it is, it stays fixed, but "
+                 "for --template";
+}
+
 void show(const Session& session, const ShowArguments& arguments) {
     const reticle::Reply reply = session.list();
-    const reticle::Reticle& reticle = reticleOf(reply, arguments.index);
+    reticle::Reticle reticle = reticleOf(reply, arguments.index);
+    const std::string note = noteOn(reticle.data, arguments.isTemplate);
+    if (arguments.isTemplate) {
+        reticle.data = userColorTemplate(reticle.data);
+    }
     writeText(arguments.output, textFor(session, arguments.output, reticle), session.out);
-    if (session.terminal.takesErrors && reticle::userColor(reticle.data)) {
-        session.note("note: the user's colour is put in; stored again as it is, it stays fixed");
+    if (session.terminal.takesErrors && !note.empty()) {
+        session.note(note);
     }
 }
 
@@ -60,6 +78,8 @@ void addShowCommand(CLI::App& app, const Session& session) {
     addIndexArgument(*command, arguments->index);
     command->add_option("--output", arguments->output, "Write to this file instead")
         ->type_name("FILE");
+    command->add_flag("--template", arguments->isTemplate,
+                      "Put \"user_color\" back for the colour, to store it again");
     command->callback([&session, arguments] { show(session, *arguments); });
 }
 

@@ -5,8 +5,8 @@
 _reticlectl_options() {
     echo --help --version --host --port --timeout --color --json
     case $1 in
-        list) echo --watch ;;
-        show) echo --output ;;
+        list) echo --watch --names ;;
+        show) echo --output --template ;;
         gallery) echo --output --background ;;
         ping) echo --count --interval ;;
         trace) echo --listen --pass-all ;;
@@ -49,6 +49,38 @@ _reticlectl_complete_files() {
     mapfile -t COMPREPLY < <(compgen -f -- "$1")
 }
 
+# Prints a reticle's index and name on each line, as the device of this command line lists them; nothing, and soon, where
+# it does not answer.
+_reticlectl_reticles() {
+    local i options=()
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        case ${COMP_WORDS[i]} in
+            --host | --port)
+                if [ "${COMP_WORDS[i + 1]}" = = ]; then
+                    options+=("${COMP_WORDS[i]}" "${COMP_WORDS[i + 2]}")
+                else
+                    options+=("${COMP_WORDS[i]}" "${COMP_WORDS[i + 1]}")
+                fi
+                ;;
+        esac
+    done
+    reticlectl --timeout 1 "${options[@]}" list --names 2>/dev/null </dev/null
+}
+
+# The names show where several indices are listed; an index by itself is put in without.
+_reticlectl_complete_index() {
+    local index name lines=()
+    compopt -o nosort 2>/dev/null
+    while IFS=$'\t' read -r index name; do
+        [[ $index != "$1"* ]] || lines+=("$index  ($name)")
+    done < <(_reticlectl_reticles)
+    COMPREPLY=("${lines[@]}")
+    # What menus of bash put in goes without as well.
+    if [ ${#lines[@]} -eq 1 ] || [ "${COMP_TYPE:-9}" -eq 37 ]; then
+        COMPREPLY=("${lines[@]%%  (*}")
+    fi
+}
+
 _reticlectl_complete_value() {
     case $1 in
         --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$2") ;;
@@ -80,6 +112,7 @@ _reticlectl() {
                 compgen -W "list activate add update delete show gallery ping trace help" -- "$current"
             )
             ;;
+        *,activate,0 | *,show,0 | *,update,0 | *,delete,*) _reticlectl_complete_index "$current" ;;
         *,add,*[13579] | *,update,2) _reticlectl_complete_files "$current" ;;
     esac
 }

@@ -13,6 +13,27 @@ function __reticlectl_awaits_file
     and test (math "($(count $words) - $at) % 2") -eq 1
 end
 
+# Succeeds where an INDEX belongs: behind `delete`, and as the first word behind other commands that take one.
+function __reticlectl_awaits_index
+    __fish_seen_subcommand_from delete; and return 0
+    set -l words (commandline -opc)
+    contains -- $words[-1] activate show update
+end
+
+# Prints the indices with the names, as the device of this command line lists them; nothing, and soon, where it does not
+# answer.
+function __reticlectl_reticles
+    type -q reticlectl; or return
+    set -l asked
+    set -l words (string split -m 1 -- = (commandline -opc))
+    for option in --host --port
+        if set -l at (contains -i -- $option $words)
+            set -a asked $option $words[(math $at + 1)]
+        end
+    end
+    reticlectl --timeout 1 $asked list --names 2>/dev/null </dev/null
+end
+
 complete -c reticlectl -f
 complete -c reticlectl -s h -l help -d 'Print help'
 complete -c reticlectl -l version -d 'Print the version'
@@ -34,6 +55,9 @@ complete -c reticlectl -n __reticlectl_awaits_command -a trace -d 'Name the mist
 complete -c reticlectl -n __reticlectl_awaits_command -a help -d 'Print the help, or that of a command'
 
 complete -c reticlectl -n '__fish_seen_subcommand_from list' -l watch -x -d 'Show them again and again'
+complete -c reticlectl -n '__fish_seen_subcommand_from list' -l names -d 'Print the indices and names alone'
+complete -c reticlectl -n '__fish_seen_subcommand_from show' -l template -d 'Put "user_color" back for the colour'
+complete -c reticlectl -n __reticlectl_awaits_index -k -a '(__reticlectl_reticles)'
 complete -c reticlectl -n '__fish_seen_subcommand_from show gallery' -l output -r -F -d 'Write to this file'
 complete -c reticlectl -n '__fish_seen_subcommand_from gallery' -l background -x -a 'auto light dark grey' -d 'What shows first behind the pictures'
 complete -c reticlectl -n '__fish_seen_subcommand_from ping' -l count -x -d 'How often to ask'

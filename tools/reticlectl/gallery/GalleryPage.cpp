@@ -9,6 +9,7 @@
 #include "tools/reticlectl/gallery/Grounds.h"
 #include "tools/reticlectl/gallery/NestedUses.h"
 #include "tools/reticlectl/gallery/SvgPicture.h"
+#include "tools/reticlectl/gallery/svgDescription.h"
 #include "tools/reticlectl/terminal/DisplayText.h"
 
 namespace reticlectl {
@@ -58,6 +59,14 @@ void setDrawing(data& card, const Reticle& reticle, const std::optional<std::str
     }
 }
 
+/// As much of it as a card has room for.
+void setDescription(data& card, const std::optional<std::string>& picture) {
+    constexpr std::size_t LONGEST_COLUMNS = 300;
+    const std::string text = picture ? svgDescription(*picture) : "";
+    card.set("description",
+             text.empty() ? data(false) : data(shortened(printableLines(text), LONGEST_COLUMNS)));
+}
+
 void setColour(data& card, const std::optional<std::string>& value) {
     card.set("colour", value ? data(printable(*value)) : data(false));
     if (value) {
@@ -87,6 +96,7 @@ data cardOf(const Reticle& reticle) {
     card.set("index", reticle.index ? "Index " + std::to_string(*reticle.index) : "No index");
     card.set("size", counted(reticle.data.size(), "byte"));
     setDrawing(card, reticle, picture);
+    setDescription(card, picture);
     setColour(card, picture ? reticle::userColor(reticle.data) : std::nullopt);
     setDownload(card, reticle, picture.has_value());
     return card;
