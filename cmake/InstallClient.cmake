@@ -1,4 +1,4 @@
-# The client library for applications: `cmake --install BUILD --component client-dev`.
+# The client libraries for applications: `cmake --install BUILD --component client-dev`.
 include(CMakePackageConfigHelpers)
 
 set(CLIENT_PACKAGE_DIRECTORY ${CMAKE_INSTALL_LIBDIR}/cmake/reticle-client)
@@ -63,9 +63,17 @@ install(
     DIRECTORY examples
     DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}
     USE_SOURCE_PERMISSIONS
-    COMPONENT client-dev)
+    COMPONENT client-dev
+    PATTERN __pycache__ EXCLUDE)
 install(
     DIRECTORY tests/replay/sessions
     DESTINATION ${CLIENT_DOCUMENTS_DIRECTORY}
     COMPONENT client-dev
     FILES_MATCHING PATTERN "*.session")
+
+# The client for Python, where Debian's Python looks: `cmake --install BUILD --component python-client`.
+install(
+    DIRECTORY examples/python/reticle_client
+    DESTINATION lib/python3/dist-packages
+    COMPONENT python-client
+    PATTERN __pycache__ EXCLUDE)

@@ -77,8 +77,19 @@ Headers, the static library, a CMake package and a pkg-config file; the
 protocols of the service, JSON Schemas, example clients in C++ and Python,
 and recorded sessions, which rtos-sim replays.")
 
+set(CPACK_DEBIAN_PYTHON-CLIENT_PACKAGE_NAME python3-reticle-client)
+set(CPACK_DEBIAN_PYTHON-CLIENT_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON-CLIENT_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON-CLIENT_PACKAGE_DEPENDS "python3 (>= 3.9)")
+set(CPACK_DEBIAN_PYTHON-CLIENT_PACKAGE_CONTROL_EXTRA
+    ${DEBIAN_FILES}/python3-reticle-client/postinst ${DEBIAN_FILES}/python3-reticle-client/prerm)
+set(CPACK_DEBIAN_PYTHON-CLIENT_DESCRIPTION
+"Python module for clients of reticle services
+A typed class that lists, activates, adds, updates and deletes the reticles
+of a sighting device; it needs nothing but Python's standard library.")
+
 set(CPACK_COMPONENTS_ALL service tools)
 if(NOT JSONCPP_FROM_SOURCE)
-    list(APPEND CPACK_COMPONENTS_ALL client-dev)
+    list(APPEND CPACK_COMPONENTS_ALL client-dev python-client)
 endif()
 include(CPack)

@@ -14,7 +14,7 @@ boot_patience=120
 # An answer may need the whole machine to itself; only a failing test waits that long.
 # shellcheck disable=SC2034 # for the scripts
 patience=60
-packages=(reticled reticle-tools libreticle-client-dev)
+packages=(reticled reticle-tools libreticle-client-dev python3-reticle-client)
 
 # Also where a command's output is thrown away while it is tried again, failures are told.
 exec 3>&2

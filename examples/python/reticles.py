@@ -1,49 +1,26 @@
 #!/usr/bin/env python3
-"""A whole client of the reticle service; Python's standard library is all that it needs.
+"""A small program on top of the package beside it.
 
-    reticles.py [--host HOST] list
-    reticles.py [--host HOST] activate INDEX
-    reticles.py [--host HOST] add NAME FILE
-    reticles.py [--host HOST] update INDEX NAME FILE
-    reticles.py [--host HOST] delete INDEX...
+    reticles.py [--host HOST] [--port PORT] list
+    reticles.py [--host HOST] [--port PORT] activate INDEX
+    reticles.py [--host HOST] [--port PORT] add NAME FILE
+    reticles.py [--host HOST] [--port PORT] update INDEX NAME FILE
+    reticles.py [--host HOST] [--port PORT] delete INDEX...
+
+RETICLED_HOST and RETICLED_PORT name the device where the command line does not.
 """
 
 import argparse
-import json
 import pathlib
-import socket
-import struct
 import sys
 
-PORT = 3451
-TIMEOUT_S = 10
-SYNC = bytes(range(32))
+from reticle_client import ClientError, Reticle, ReticleClient
 
 
-def receive_exactly(connection, count):
-    data = bytearray()
-    while len(data) < count:
-        piece = connection.recv(min(count - len(data), 65536))
-        if not piece:
-            raise ConnectionError("the service closed the connection without a reply")
-        data += piece
-    return bytes(data)
-
-
-def call(connection, request):
-    """Sends one request, a dictionary, and returns the reply to it, a dictionary."""
-    body = json.dumps(request).encode()
-    connection.sendall(SYNC + struct.pack(">I", len(body)) + body)
-    header = receive_exactly(connection, len(SYNC) + 4)
-    if not header.startswith(SYNC):
-        raise ValueError("this is not the reticle service: no sync sequence")
-    (length,) = struct.unpack(">I", header[len(SYNC):])
-    return json.loads(receive_exactly(connection, length))
-
-
-def read_arguments():
+def read_arguments() -> argparse.Namespace:
     parser = argparse.ArgumentParser(description="Lists and changes the reticles of a device.")
-    parser.add_argument("--host", default="127.0.0.1")
+    parser.add_argument("--host")
+    parser.add_argument("--port", type=int)
     commands = parser.add_subparsers(dest="command", required=True)
     commands.add_parser("list")
     commands.add_parser("activate").add_argument("index", type=int)
@@ -57,33 +34,27 @@ def read_arguments():
     return parser.parse_args()
 
 
-def request_for(arguments):
-    if arguments.command == "list":
-        return {"action": "RETICLES_GET_ALL"}
-    if arguments.command == "activate":
-        return {"action": "RETICLE_SET_ACTIVE", "index": arguments.index}
-    if arguments.command == "delete":
-        return {"action": "RETICLES_DELETE", "indices": arguments.indices}
-    reticle = {"name": arguments.name, "data": arguments.file.read_bytes().decode()}
-    if arguments.command == "update":
-        reticle["index"] = arguments.index
-    return {"action": "RETICLES_ADD_OR_UPDATE", "reticles": [reticle]}
+def carry_out(arguments: argparse.Namespace) -> list[Reticle]:
+    with ReticleClient(arguments.host, arguments.port) as device:
+        if arguments.command == "list":
+            return device.list()
+        if arguments.command == "activate":
+            return device.activate(arguments.index)
+        if arguments.command == "delete":
+            return device.delete(arguments.indices)
+        data = arguments.file.read_bytes().decode()
+        if arguments.command == "update":
+            return device.update(arguments.index, arguments.name, data)
+        return device.add(arguments.name, data)
 
 
-def main():
-    arguments = read_arguments()
+def main() -> None:
     try:
-        request = request_for(arguments)
-        with socket.create_connection((arguments.host, PORT), TIMEOUT_S) as connection:
-            reply = call(connection, request)
-    except (OSError, ValueError) as failure:
+        reticles = carry_out(read_arguments())
+    except (ClientError, OSError, ValueError) as failure:
         sys.exit(f"reticles.py: {failure}")
-    if "reticles" not in reply:
-        sys.exit(f"reticles.py: the device said no: {reply['result']}")
-    # No reticles come as null.
-    for reticle in reply["reticles"] or []:
-        mark = "*" if reticle["isActive"] else " "
-        print(f"{mark} {reticle['index']} {reticle['name']}")
+    for reticle in reticles:
+        print("*" if reticle.is_active else " ", reticle.index, reticle.name)
 
 
 if __name__ == "__main__":

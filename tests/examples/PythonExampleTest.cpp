@@ -24,6 +24,11 @@ class PythonExampleTest : public ExampleTest {
 protected:
     PythonExampleTest() { flash.write("home/ring.svg", RING); }
 
+    ~PythonExampleTest() override {
+        unsetenv("RETICLED_HOST");
+        unsetenv("RETICLED_PORT");
+    }
+
     static Run runExample(const std::vector<std::string>& arguments) {
         std::vector<std::string> command{
             "python3", programs::SOURCE_DIRECTORY + "/examples/python/reticles.py"};
@@ -44,6 +49,16 @@ protected:
 TEST_F(PythonExampleTest, List) {
     EXPECT_EQ(outputOf({"list"}), FACTORY);
     EXPECT_EQ(outputOf({"--host", "127.0.0.1", "list"}), FACTORY);
+}
+
+TEST_F(PythonExampleTest, TheEnvironmentNamesTheDeviceWhereTheCommandLineDoesNot) {
+    ASSERT_EQ(setenv("RETICLED_HOST", "localhost", 1), 0);
+    ASSERT_EQ(setenv("RETICLED_PORT", "3451", 1), 0);
+    EXPECT_EQ(outputOf({"list"}), FACTORY);
+    ASSERT_EQ(setenv("RETICLED_PORT", "http", 1), 0);
+    EXPECT_EQ(runExample({"list"}).error,
+              "reticles.py: RETICLED_PORT: 'http' is not a number from 1 to 65535\n");
+    EXPECT_EQ(outputOf({"--port", "3451", "list"}), FACTORY);
 }
 
 TEST_F(PythonExampleTest, EveryCommandChangesTheDevice) {

@@ -111,7 +111,11 @@ protected:
         std::string pattern = testing::TempDir() + "reticlectl-XXXXXX";
         _directory = ::mkdtemp(pattern.data());
     }
-    ~CommandLine() override { std::filesystem::remove_all(_directory); }
+    ~CommandLine() override {
+        std::filesystem::remove_all(_directory);
+        ::unsetenv("RETICLED_HOST");
+        ::unsetenv("RETICLED_PORT");
+    }
 
     std::string writeFile(const std::string& name, const std::string& content) {
         std::ofstream(pathOf(name), std::ios::binary) << content;
