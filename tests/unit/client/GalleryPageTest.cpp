@@ -77,7 +77,8 @@ TEST(GalleryPage, ADrawingsDescriptionIsShownAsText) {
             {{1, "Dot", "<svg><desc>" + description + "</desc><g/></svg>", false, false}});
     };
     EXPECT_THAT(pageOf(" 1 mil &lt;b&gt;\x1B&amp;<![CDATA[<i>]]> "),
-                HasSubstr("<p class=\"description\" dir=\"auto\">1 mil &lt;b&gt;\\x1B&amp;</p>"));
+                HasSubstr("<p class=\"description\" dir=\"auto\" title=\"1 mil "
+                          "&lt;b&gt;\\x1B&amp;\">1 mil &lt;b&gt;\\x1B&amp;</p>"));
     EXPECT_THAT(pageOf("<![CDATA[<script>]]>"), HasSubstr(">&lt;script&gt;</p>"));
     EXPECT_THAT(pageOf(std::string(1000, 'x')), HasSubstr('>' + std::string(299, 'x') + "…</p>"));
     EXPECT_THAT(pageOf(" "), Not(HasSubstr("class=\"description\"")));
