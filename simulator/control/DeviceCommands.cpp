@@ -35,6 +35,17 @@ int indexIn(const std::string& word) {
     return index;
 }
 
+Fault faultIn(const std::string& word) {
+    if (word.find('@') != std::string::npos) {
+        throw std::runtime_error("the exchange is a word of its own: fault KIND[:ARG] N");
+    }
+    try {
+        return parseFault(word);
+    } catch (const std::invalid_argument& error) {
+        throw std::runtime_error(error.what());
+    }
+}
+
 bool isYes(const std::string& word) {
     if (word != "yes" && word != "no") {
         throw std::runtime_error("'" + word + "' is neither yes nor no");
@@ -96,7 +107,9 @@ Json::Value DeviceCommands::_status(const Words& /*words*/) {
 }
 
 Json::Value DeviceCommands::_fault(const Words& words) {
-    _parts.faulty.arm(_parseFault(words));
+    Fault fault = faultIn(words[1]);
+    fault.exchange = _exchangeIn(words.size() == 3 ? words[2] : "next");
+    _parts.faulty.arm(fault);
     return _armed();
 }
 
@@ -158,25 +171,21 @@ Json::Value DeviceCommands::_reset(const Words& words) {
     return _status(words);
 }
 
-Fault DeviceCommands::_parseFault(const Words& words) const {
-    const std::string& kind = words[1];
-    if (kind.find('@') != std::string::npos) {
-        throw std::runtime_error("the exchange is a word of its own: fault KIND[:ARG] N");
-    }
-    const std::string when = words.size() == 3 ? words[2] : "next";
-    Fault fault = parseFault(kind);
+/// Which exchange a fault hits; none means every one.
+std::optional<std::size_t> DeviceCommands::_exchangeIn(const std::string& when) const {
+    const std::size_t next = _parts.faulty.count() + 1;
     if (when == "every") {
-        return fault;
+        return std::nullopt;
     }
-    const std::size_t done = _parts.faulty.count();
-    const long long number =
-        when == "next" ? static_cast<long long>(done) + 1 : numberIn<long long>(when);
-    if (number <= static_cast<long long>(done)) {
+    if (when == "next") {
+        return next;
+    }
+    const long long number = numberIn<long long>(when);
+    if (number < static_cast<long long>(next)) {
         throw std::runtime_error("'" + when +
                                  "' is neither next nor every nor an exchange to come");
     }
-    fault.exchange = static_cast<std::size_t>(number);
-    return fault;
+    return static_cast<std::size_t>(number);
 }
 
 Json::Value DeviceCommands::_armed() const {

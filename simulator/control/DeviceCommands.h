@@ -2,6 +2,8 @@
 
 #include <json/value.h>
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
 #include "simulator/control/CommandForm.h"
@@ -51,7 +53,7 @@ private:
     [[nodiscard]] Json::Value _restart(const Words& words);
     [[nodiscard]] Json::Value _reset(const Words& words);
 
-    [[nodiscard]] Fault _parseFault(const Words& words) const;
+    [[nodiscard]] std::optional<std::size_t> _exchangeIn(const std::string& when) const;
     [[nodiscard]] Json::Value _armed() const;
     [[nodiscard]] Json::Value _reticle(int index) const;
 

@@ -124,7 +124,7 @@ Answer Device::remove(int index) {
     if (!reticle->isDeletable || reticle->isActive) {
         return refusal(RETICLE_CANT_BE_DELETED,
                        "reticle " + std::to_string(index) +
-                           (reticle->isActive ? " is the active one" : " came from the factory"));
+                           (reticle->isActive ? " is the active one" : " is not deletable"));
     }
     next.erase(reticle);
     _change(std::move(next));

@@ -278,7 +278,7 @@ TEST_F(DeviceTest, saysWhyItRefuses) {
     EXPECT_EQ(reason(R"([{"msg_id":99}])"), "unknown \"msg_id\" 99");
     EXPECT_EQ(reason(R"([{"msg_id":77,"param":99}])"), "no reticle has index 99");
     EXPECT_EQ(reason(R"([{"msg_id":80,"param":0}])"), "reticle 0 is the active one");
-    EXPECT_EQ(reason(R"([{"msg_id":80,"param":1}])"), "reticle 1 came from the factory");
+    EXPECT_EQ(reason(R"([{"msg_id":80,"param":1}])"), "reticle 1 is not deletable");
     EXPECT_EQ(reason(R"([{"msg_id":78,"param2_name":"X","param3_data":"a:/gone"}])"),
               "\"a:/gone\" names no file inside the root");
 }

@@ -3,17 +3,23 @@
 
 #include <cerrno>
 #include <chrono>
+#include <future>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
+
+#include <asio/post.hpp>
 
 #include "simulator/device/Device.h"
 #include "simulator/device/FaultyDevice.h"
 #include "simulator/device/Storage.h"
 #include "simulator/link/RequestSplitter.h"
 #include "simulator/link/Server.h"
+#include "tests/support/Patience.h"
 #include "tests/unit/simulator/LoopbackClient.h"
 #include "tests/unit/simulator/TemporaryRoot.h"
 
@@ -27,6 +33,7 @@ using test::LoopbackClient;
 constexpr const char* LIST = R"([{"msg_id":76,"param_get":""}])";
 constexpr const char* LISTED = R"([{"param":"reticle_list.json","ret_val":0}])";
 constexpr const char* ACTIVATE_99 = R"([{"msg_id":77,"param":99}])";
+constexpr const char* ACTIVATE_3 = R"([{"msg_id":77,"param":3}])";
 constexpr const char* NOT_FOUND = R"([{"ret_val":5}])";
 constexpr const char* NOT_UNDERSTOOD = R"([{"ret_val":8}])";
 
@@ -53,6 +60,24 @@ public:
     }
 
     [[nodiscard]] std::uint16_t port() const { return _server.port(); }
+
+    [[nodiscard]] std::string listFile() const { return _root.read("reticle_list.json"); }
+
+    /// Lets it go down, and returns once it has, or once it is up again.
+    void restart(milliseconds down, bool isAwaited) {
+        std::promise<void> done;
+        asio::post(_io, [this, down, isAwaited, &done] {
+            _server.restart(down, [isAwaited, &done] {
+                if (isAwaited) {
+                    done.set_value();
+                }
+            });
+            if (!isAwaited) {
+                done.set_value();
+            }
+        });
+        done.get_future().get();
+    }
 
     /// After `stop`.
     [[nodiscard]] std::string log() const { return _log.str(); }
@@ -206,6 +231,48 @@ TEST(Server, sendsALongAnswerThatTheServiceCuts) {
     const std::string first = client.exchange(LIST);
     EXPECT_EQ(first.size(), 1024U);
     EXPECT_EQ(client.receive(), std::string(511, ' ') + "]");
+}
+
+TEST(Server, endsConnectionsAndTakesNewOnesAtARestart) {
+    RunningSimulator simulator({{FaultKind::DELAY, 60'000, 2}});
+    LoopbackClient idle(simulator.port());
+    EXPECT_EQ(idle.exchange(LIST), LISTED);
+    LoopbackClient busy(simulator.port());
+    const std::string before = simulator.listFile();
+    busy.send(std::string(ACTIVATE_3) + LIST);
+    ASSERT_TRUE(eventually([&] { return simulator.listFile() != before; }));
+    simulator.restart(milliseconds(0), true);
+    EXPECT_EQ(idle.receive(), "");
+    EXPECT_EQ(LoopbackClient(simulator.port()).exchange(ACTIVATE_99), NOT_FOUND);
+    EXPECT_EQ(busy.receive(), "");
+}
+
+TEST(Server, takesNoConnectionWhileItIsDown) {
+    RunningSimulator simulator;
+    simulator.restart(std::chrono::hours(1), false);
+    EXPECT_THROW(LoopbackClient(simulator.port()), std::system_error);
+    simulator.restart(milliseconds(50), true);
+    EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
+}
+
+TEST(Server, comesBackWhenItsPortIsFreeAgain) {
+    RunningSimulator simulator;
+    simulator.restart(std::chrono::hours(1), false);
+    asio::io_context io;
+    std::ostringstream log;
+    std::optional<Server> other(std::in_place, io, simulator.port(), log);
+    simulator.restart(milliseconds(0), false);
+    other.reset();
+    ASSERT_TRUE(eventually([&simulator] {
+        try {
+            return LoopbackClient(simulator.port()).exchange(LIST) == LISTED;
+        } catch (const std::system_error&) {
+            return false;
+        }
+    }));
+    simulator.stop();
+    EXPECT_EQ(simulator.log(), "rtos-sim: cannot listen on 127.0.0.1:" +
+                                   std::to_string(simulator.port()) + ": Address already in use\n");
 }
 
 TEST(Server, throwsWhenThePortIsTaken) {
