@@ -1,7 +1,6 @@
 # The programs and what belongs to them: `cmake --install BUILD --component service`, and the same for `tools`.
 set(SYSTEMD_DIRECTORY lib)
 set(MAN_DIRECTORY ${PROJECT_BINARY_DIR}/man)
-set(COMPLETIONS_DIRECTORY tools/reticlectl/completions)
 
 # What `cmake --install` needs, without tests and benchmarks.
 add_custom_target(installed-programs DEPENDS reticled reticled-foreground reticlectl rtos-sim reticle-client man)
@@ -48,16 +47,20 @@ install(
     COMPONENT tools)
 
 # Where Debian's shells look by themselves; each wants a name of its own.
-install(
-    FILES ${COMPLETIONS_DIRECTORY}/reticlectl.bash
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-    RENAME reticlectl
-    COMPONENT tools)
-install(
-    FILES ${COMPLETIONS_DIRECTORY}/reticlectl.fish
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
-    COMPONENT tools)
-install(
-    FILES ${COMPLETIONS_DIRECTORY}/_reticlectl
-    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
-    COMPONENT tools)
+foreach(completions tools/reticlectl/completions/reticlectl simulator/completions/rtos-sim)
+    cmake_path(GET completions FILENAME program)
+    cmake_path(GET completions PARENT_PATH directory)
+    install(
+        FILES ${directory}/${program}.bash
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+        RENAME ${program}
+        COMPONENT tools)
+    install(
+        FILES ${directory}/${program}.fish
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+        COMPONENT tools)
+    install(
+        FILES ${directory}/_${program}
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
+        COMPONENT tools)
+endforeach()

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <iostream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -73,7 +74,44 @@ void requireSense(const CLI::App& app) {
                 {"--record", "--max-reticles", "--max-bytes", "--reset", "--fault"});
     requireNone(app, "--from-log",
                 {"--record", "--replay", "--root", "--port", "--max-reticles", "--max-bytes",
-                 "--reset", "--verbose", "--fault"});
+                 "--reset", "--verbose", "--fault", "--control"});
+}
+
+/// The words of a command are none of the library's affair.
+class CtlFormatter : public CLI::Formatter {
+public:
+    [[nodiscard]] std::string make_usage(const CLI::App* /*app*/,
+                                         std::string /*name*/) const override {
+        return "Usage: rtos-sim ctl PATH COMMAND...\n";
+    }
+};
+
+/// Adds `ctl`, which sends a command to a running simulator.
+CLI::App& addCtl(CLI::App& app, Options& options) {
+    CLI::App& ctl = *app.add_subcommand("ctl", "Send a command to a simulator that runs");
+    ctl.add_option("PATH", options.commandPath, "Socket that the simulator got as --control PATH")
+        ->type_name("")
+        ->required();
+    ctl.formatter(std::make_shared<CtlFormatter>());
+    ctl.footer("Commands:\n" + commandHelp());
+    // What follows belongs to the command, even if it looks like an option.
+    ctl.prefix_command();
+    return ctl;
+}
+
+/// Takes over the words of the command behind `ctl`.
+void readCommand(const CLI::App& app, const CLI::App& ctl, Options& options) {
+    for (const CLI::Option* option : app.get_options()) {
+        if (option->count() > 0) {
+            throw CLI::ValidationError(option->get_name() + " makes no sense with ctl");
+        }
+    }
+    options.command = ctl.remaining();
+    try {
+        (void)formOf(options.command);
+    } catch (const std::runtime_error& error) {
+        throw CLI::ValidationError(error.what());
+    }
 }
 
 std::string footer() {
@@ -108,7 +146,8 @@ int endParsing(const CLI::App& app, const CLI::ParseError& end) {
     const std::vector<std::string> unknown = app.remaining();
     std::cerr << "rtos-sim: "
               << (unknown.empty() ? end.what() : "unknown argument " + unknown.front())
-              << ": see rtos-sim --help" << std::endl;
+              << (app.got_subcommand("ctl") ? ": see rtos-sim ctl --help" : ": see rtos-sim --help")
+              << std::endl;
     return USAGE_ERROR;
 }
 
@@ -131,14 +170,20 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
               "How many bytes its list and all their data may take")
         ->type_name("BYTES");
     app.add_flag("--reset", options.isReset, "Go back to the factory set before listening");
-    app.add_flag("--verbose", options.isVerbose, "Print each exchange on standard error");
+    app.add_flag("--verbose", options.isVerbose, "Print events on standard error");
     std::vector<std::string> faults;
     app.add_option("--fault", faults, "What goes wrong, see below; repeatable")
         ->type_name("KIND[:ARG][@N]")
         ->allow_extra_args(false);
+    app.add_option("--control", options.controlPath, "Take commands on this Unix socket, see ctl")
+        ->type_name("PATH");
     addSessionOptions(app, options);
+    const CLI::App& ctl = addCtl(app, options);
     try {
         app.parse(argc, argv);
+        if (ctl.parsed()) {
+            readCommand(app, ctl, options);
+        }
         requireSense(app);
         options.faults = parseFaults(faults);
     } catch (const CLI::ParseError& end) {

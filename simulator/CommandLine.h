@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "simulator/control/CommandForm.h"
 #include "simulator/device/Device.h"
 #include "simulator/device/Fault.h"
 
@@ -19,6 +20,9 @@ struct Options {
     bool isReset = false;
     bool isVerbose = false;
     std::vector<Fault> faults;
+    std::filesystem::path controlPath;  ///< socket on which to take commands; empty for none
+    std::filesystem::path commandPath;  ///< socket to send `command` to, which is all to be done
+    Words command;                      ///< empty for none
     std::filesystem::path recordFile;   ///< session to write while simulating; empty for none
     std::filesystem::path replayFile;   ///< session to play instead of simulating; empty for none
     std::filesystem::path fromLogFile;  ///< log to turn into a session; empty for none

@@ -12,6 +12,10 @@
 #include <asio/signal_set.hpp>
 
 #include "simulator/CommandLine.h"
+#include "simulator/control/ControlServer.h"
+#include "simulator/control/DeviceCommands.h"
+#include "simulator/control/replayCommand.h"
+#include "simulator/control/sendCommand.h"
 #include "simulator/device/Device.h"
 #include "simulator/device/FaultyDevice.h"
 #include "simulator/device/Storage.h"
@@ -34,13 +38,22 @@ constexpr int EXIT_DIFFERENCE = 3;
 /// Serves until a signal or a fatal difference ends it.
 class Loop {
 public:
+    /// Listens where the options say.
     explicit Loop(const sim::Options& options) : _server(_io, options.port, std::cerr) {
         _signals.async_wait([this](const asio::error_code& /*error*/, int /*signal*/) { stop(); });
+        if (!options.controlPath.empty()) {
+            _control.emplace(_io, options.controlPath);
+        }
     }
 
+    /// \param command what is carried out for whoever controls the simulator
     /// \param what told about the device on the line that says that it listens
-    void run(sim::ExchangeFunction exchange, const std::string& what) {
-        _server.start(std::move(exchange));
+    void run(sim::ObservedDevice& device, sim::CommandFunction command, sim::EventStream& events,
+             const std::string& what) {
+        if (_control) {
+            _control->start(std::move(command), events);
+        }
+        _server.start([&device](const std::string& request) { return device.exchange(request); });
         std::cout << "rtos-sim: listening on 127.0.0.1:" << _server.port() << ", " << what
                   << std::endl;
         _io.run();
@@ -48,10 +61,13 @@ public:
 
     void stop() { _io.stop(); }
 
+    [[nodiscard]] sim::Server& server() { return _server; }
+
 private:
     asio::io_context _io;
     asio::signal_set _signals{_io, SIGINT, SIGTERM};
     sim::Server _server;
+    std::optional<sim::ControlServer> _control;
 };
 
 /// The session that is written while simulating.
@@ -131,9 +147,11 @@ int simulate(const sim::Options& options) {
             return delivery;
         },
         events);
-    loop.run([&observed](const std::string& request) { return observed.exchange(request); },
-             "root " + storage.rootText() + ", " + std::to_string(device.reticles().size()) +
-                 " reticles");
+    sim::DeviceCommands commands({storage, device, faulty, loop.server(), events, state});
+    loop.run(
+        observed, [&commands](const sim::Words& words) { return commands.run(words); }, events,
+        "root " + storage.rootText() + ", " + std::to_string(device.reticles().size()) +
+            " reticles");
     if (session) {
         session->requireWritten();
     }
@@ -158,7 +176,12 @@ int replay(const sim::Options& options) {
             return answer;
         },
         events);
-    loop.run([&observed](const std::string& request) { return observed.exchange(request); }, what);
+    loop.run(
+        observed,
+        [&device, &options](const sim::Words& words) {
+            return sim::replayCommand(words, device, options.root);
+        },
+        events, what);
     if (device.difference().empty() && device.isComplete()) {
         std::cout << "rtos-sim: all " << device.played() << " exchanges played" << std::endl;
         return EXIT_SUCCESS;
@@ -187,6 +210,10 @@ int convertLog(const sim::Options& options) {
 }
 
 int run(const sim::Options& options) {
+    if (!options.command.empty()) {
+        sim::sendCommand(options.commandPath, options.command, std::cout);
+        return EXIT_SUCCESS;
+    }
     if (!options.fromLogFile.empty()) {
         return convertLog(options);
     }

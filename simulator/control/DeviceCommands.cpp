@@ -163,12 +163,14 @@ Json::Value DeviceCommands::_restart(const Words& words) {
     const std::chrono::milliseconds down = downTimeIn(words);
     _parts.events.publish(PowerSwitched{false});
     _parts.server.restart(down, [&events = _parts.events] { events.publish(PowerSwitched{true}); });
-    return _status(words);
+    Json::Value power;
+    power["isUp"] = _parts.server.isUp();
+    return power;
 }
 
-Json::Value DeviceCommands::_reset(const Words& words) {
+Json::Value DeviceCommands::_reset(const Words& /*words*/) {
     _parts.device.reset();
-    return _status(words);
+    return Json::objectValue;
 }
 
 /// Which exchange a fault hits; none means every one.

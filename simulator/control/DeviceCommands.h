@@ -35,8 +35,9 @@ public:
 
     /// Carries out one command; a change is on the storage, and its events are published, when this
     /// returns. For "add" the last word is the data itself.
-    /// \return an object: of a command on one reticle that reticle (of "delete" an empty one), of a
-    ///         fault command the faults that are armed, else the status
+    /// \return an object: for "status" the status, after a fault command the faults that are armed,
+    ///         after "restart" whether it is up, after others the reticle that was changed, or an
+    ///         empty one where there is none
     /// \throws std::runtime_error, with a text for people; nothing is changed then.
     [[nodiscard]] Json::Value run(const Words& words);
 

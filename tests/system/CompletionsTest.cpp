@@ -2,74 +2,33 @@
 
 #include <filesystem>
 #include <regex>
-#include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "tests/support/FlashFiles.h"
 #include "tests/support/Text.h"
 #include "tests/system/PlayedDeviceTest.h"
-#include "tests/system/Process.h"
 #include "tests/system/ProgramHelp.h"
 #include "tests/system/Programs.h"
+#include "tests/system/ShellCompletions.h"
 #include "tests/system/TerminalProcess.h"
 
 namespace {
 
-using Words = std::set<std::string>;
+using Words = ShellCompletions::Words;
 
 const Words COLOR_VALUES{"always", "auto", "never"};
+const std::string TYPED = "reticlectl --jso\tpin\t--interv\t";
+const std::string COMPLETED = "--json ping --interval";
 
-std::string completionFile(const std::string& name) {
-    return programs::SOURCE_DIRECTORY + "/tools/reticlectl/completions/" + name;
-}
+const ShellCompletions COMPLETIONS("reticlectl", "tools/reticlectl/completions");
 
-/// Standard output of a shell, which must find nothing wrong.
-std::string run(const std::vector<std::string>& command) {
-    Process process(command);
-    EXPECT_EQ(process.waitForEnd(), 0);
-    EXPECT_EQ(process.standardError(), "");
-    return process.standardOutput();
-}
-
-/// The first word of each line.
-Words firstWords(const std::string& text) {
-    Words words;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        words.insert(line.substr(0, line.find('\t')));
-    }
-    return words;
-}
-
-/// What bash offers for the last of `words`.
 Words offeredByBash(const std::vector<std::string>& words) {
-    std::vector<std::string> command{
-        "bash", "--norc", "-c",
-        R"(source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); $(complete -p reticlectl | sed 's/.*-F \([^ ]*\).*/\1/'); printf '%s\n' "${COMPREPLY[@]}")",
-        completionFile("reticlectl.bash")};
-    command.insert(command.end(), words.begin(), words.end());
-    Words offered = firstWords(run(command));
-    offered.erase("");
-    return offered;
+    return COMPLETIONS.offeredByBash(words);
 }
 
-/// What fish offers behind the end of `line`.
 Words offeredByFish(const std::string& line) {
-    return firstWords(
-        run({"fish", "--no-config", "-c",
-             "source " + completionFile("reticlectl.fish") + "; complete -C '" + line + "'"}));
-}
-
-/// Begins words as a person does, has the shell complete them, and sees what the program would get.
-/// \param setUp a command line that loads the completions.
-void expectItCompletes(TerminalProcess& shell, const std::string& setUp) {
-    // Quoted, so that the command's own echo is not taken for what it prints.
-    shell.type(setUp + "; reticlectl() { echo go''t: \"$@\"; }; echo load''ed\n");
-    ASSERT_TRUE(shell.eventuallyShows("loaded")) << shell.output();
-    shell.type("reticlectl --jso\tpin\t--interv\t\n");
-    EXPECT_TRUE(shell.eventuallyShows("got: --json ping --interval")) << shell.output();
+    return COMPLETIONS.offeredByFish(line);
 }
 
 /// The commands and options that a command line may hold.
@@ -118,9 +77,7 @@ TEST_F(CompletionsTest, BashOffersValues) {
 }
 
 TEST_F(CompletionsTest, BashItselfUsesTheFile) {
-    TerminalProcess shell({"bash", "--norc", "-i"}, TerminalProcess::WIDE, {{"PS1", "ready> "}});
-    ASSERT_TRUE(shell.eventuallyShows("ready> "));
-    expectItCompletes(shell, "source " + completionFile("reticlectl.bash"));
+    COMPLETIONS.expectBashCompletes(TYPED, COMPLETED);
 }
 
 TEST_F(CompletionsTest, FishOffersTheCommands) {
@@ -195,8 +152,8 @@ TEST_F(IndexCompletionsTest, WithoutAServiceNothingIsOffered) {
 }
 
 TEST_F(CompletionsTest, ZshNamesTheCommandsAndOptions) {
-    run({"zsh", "-n", completionFile("_reticlectl")});
-    const std::string text = contentOfFile(completionFile("_reticlectl"));
+    COMPLETIONS.expectZshReadsIt();
+    const std::string text = contentOfFile(COMPLETIONS.file("_reticlectl"));
     EXPECT_EQ(ProgramHelp::optionsIn(text.substr(0, text.find("local -a commands"))),
               program.options);
     for (const std::string& command : program.commands) {
@@ -212,11 +169,7 @@ TEST_F(CompletionsTest, ZshNamesTheCommandsAndOptions) {
 }
 
 TEST_F(CompletionsTest, ZshItselfUsesTheFile) {
-    TerminalProcess shell({"zsh", "-f", "-i"}, TerminalProcess::WIDE, {{"PS1", "ready> "}});
-    ASSERT_TRUE(shell.eventuallyShows("ready> "));
-    expectItCompletes(shell, "fpath=('" + programs::SOURCE_DIRECTORY +
-                                 "/tools/reticlectl/completions' $fpath); "
-                                 "autoload -Uz compinit; compinit -u -D");
+    COMPLETIONS.expectZshCompletes(TYPED, COMPLETED);
 }
 
 }  // namespace

@@ -36,6 +36,10 @@ ProgramHelp ProgramHelp::of(std::vector<std::string> command) {
     return {optionsIn(section(text, "Options")), allMatches(section(text, "Subcommands"), entry)};
 }
 
+std::set<std::string> ProgramHelp::entriesIn(const std::string& text) {
+    return allMatches(text, std::regex("\n  ([a-z][a-z-]*)(?=[:\n]| [A-Za-z[])"));
+}
+
 std::set<std::string> ProgramHelp::optionsIn(const std::string& text) {
     return allMatches(text, std::regex("(?:^|[^a-z-])(--[a-z][a-z-]*)"));
 }

@@ -18,6 +18,7 @@ public:
     /// Ends it without giving it a chance to do anything.
     void kill();
 
+    [[nodiscard]] pid_t pid() const { return _process.pid(); }
     [[nodiscard]] bool isAlive() { return _process.child().isAlive(); }
     [[nodiscard]] std::string output() const { return _process.standardOutput(); }
     [[nodiscard]] std::string errors() const { return _process.standardError(); }

@@ -78,6 +78,44 @@ TEST(CommandLine, readsWhatToDoWithSessions) {
     EXPECT_EQ(parse({"--from-log", "c"}).options->fromLogFile, "c");
 }
 
+TEST(CommandLine, readsWhereCommandsComeFrom) {
+    EXPECT_EQ(parse({"--control", "s"}).options->controlPath, "s");
+    EXPECT_EQ(parse({"--control", "s", "--replay", "b"}).options->controlPath, "s");
+}
+
+TEST(CommandLine, readsCommandsForARunningSimulator) {
+    EXPECT_TRUE(parse({}).options->command.empty());
+    const Parsed parsed = parse({"ctl", "s", "color", "3", "[a, b]"});
+    ASSERT_TRUE(parsed.options) << parsed.err;
+    EXPECT_EQ(parsed.options->commandPath, "s");
+    EXPECT_THAT(parsed.options->command, ElementsAre("color", "3", "[a, b]"));
+    EXPECT_THAT(parse({"ctl", "s", "restart", "--down", "2"}).options->command,
+                ElementsAre("restart", "--down", "2"));
+    EXPECT_THAT(parse({"ctl", "s", "rename", "3", "--help"}).options->command,
+                ElementsAre("rename", "3", "--help"));
+}
+
+TEST(CommandLine, refusesCommandsThatCannotBe) {
+    for (const auto& [arguments, complaint] :
+         std::vector<std::pair<std::vector<std::string>, std::string>>{
+             {{"ctl"}, "PATH is required"},
+             {{"ctl", "s"}, "no command is called ''"},
+             {{"ctl", "s", "explode"}, "no command is called 'explode'"},
+             {{"ctl", "s", "color", "3"}, "the command is: color N COLOUR"},
+             {{"--port", "5", "ctl", "s", "status"}, "--port makes no sense with ctl"}}) {
+        const Parsed parsed = parse(arguments);
+        EXPECT_FALSE(parsed.options) << complaint;
+        EXPECT_EQ(parsed.exitStatus, 2) << complaint;
+        EXPECT_EQ(parsed.err, "rtos-sim: " + complaint + ": see rtos-sim ctl --help\n");
+    }
+}
+
+TEST(CommandLine, printsHelpForEveryCommand) {
+    const Parsed parsed = parse({"ctl", "--help"});
+    EXPECT_EQ(parsed.exitStatus, 0);
+    EXPECT_THAT(parsed.out, HasSubstr(commandHelp()));
+}
+
 TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
     const std::vector<std::pair<std::vector<std::string>, std::string>> mistakes = {
         {{"--fault", "bang"}, "no fault is called 'bang'"},
@@ -97,6 +135,7 @@ TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
         {{"--replay", "a", "--max-bytes", "9"}, "--max-bytes makes no sense with --replay"},
         {{"--from-log", "a", "--replay", "b"}, "--replay makes no sense with --from-log"},
         {{"--from-log", "a", "--root", "b"}, "--root makes no sense with --from-log"},
+        {{"--from-log", "a", "--control", "b"}, "--control makes no sense with --from-log"},
         {{"--record"}, "--record"},
         {{"--frequency"}, "unknown argument --frequency"},
         {{"extra"}, "unknown argument extra"}};
@@ -118,7 +157,7 @@ TEST(CommandLine, printsHelpForEveryOptionAndFault) {
     for (const char* text :
          {"--version", "--root DIR", "--port PORT", "--max-reticles COUNT=32",
           "--max-bytes BYTES=64000000", "--reset", "--verbose", "--fault KIND[:ARG][@N]",
-          "--record FILE", "--replay FILE", "--from-log FILE"}) {
+          "--control PATH", "--record FILE", "--replay FILE", "--from-log FILE"}) {
         EXPECT_THAT(parsed.out, HasSubstr(text));
     }
     EXPECT_THAT(parsed.out, HasSubstr(faultHelp()));

@@ -178,7 +178,7 @@ TEST_F(DeviceCommandsTest, RefusesWhatTheFileSystemFails) {
 TEST_F(DeviceCommandsTest, ResetsToTheFactorySet) {
     (void)run({"add", "Mine", "mine"});
     (void)run({"activate", "8"});
-    EXPECT_THAT(run({"reset"}), HasSubstr("\"exchanges\":0"));
+    EXPECT_EQ(run({"reset"}), "{}");
     EXPECT_EQ(_storage.load(), factoryReticles());
     EXPECT_EQ(_device.reticles(), factoryReticles());
     EXPECT_EQ(_root.reticleFiles().size(), 8U);
@@ -186,9 +186,9 @@ TEST_F(DeviceCommandsTest, ResetsToTheFactorySet) {
 }
 
 TEST_F(DeviceCommandsTest, RestartsAtOnceOrAfterATime) {
-    EXPECT_THAT(run({"restart"}), HasSubstr("\"isUp\":true"));
+    EXPECT_EQ(run({"restart"}), R"({"isUp":true})");
     EXPECT_THAT(_told, ElementsAre("down: no connection is taken", "up: connections are taken"));
-    EXPECT_THAT(run({"restart", "--down", "0.05"}), HasSubstr("\"isUp\":false"));
+    EXPECT_EQ(run({"restart", "--down", "0.05"}), R"({"isUp":false})");
     EXPECT_THAT(_told, ElementsAre("down: no connection is taken"));
     while (_told.size() < 2) {
         ASSERT_GT(_io.run_one(), 0U);

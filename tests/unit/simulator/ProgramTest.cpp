@@ -14,6 +14,7 @@
 
 #include "simulator/device/ReticleList.h"
 #include "tests/support/Patience.h"
+#include "tests/system/ControlSocket.h"
 #include "tests/system/Process.h"
 #include "tests/system/Programs.h"
 #include "tests/unit/simulator/LoopbackClient.h"
@@ -31,8 +32,10 @@ constexpr const char* LISTED = R"([{"param":"reticle_list.json","ret_val":0}])";
 constexpr const char* DONE = R"([{"ret_val":0}])";
 constexpr const char* ADD =
     R"([{"msg_id":78,"param2_name":"Mine","param3_data":"a:/new_reticle_data0"}])";
+constexpr const char* ACTIVATE_0 = R"([{"msg_id":77,"param":0}])";
 constexpr const char* DELETE_8 = R"([{"msg_id":80,"param":8}])";
 
+constexpr std::size_t DATA_BYTES = 100'000;
 constexpr int KILLED = 128 + SIGKILL;
 
 /// Waits for the line that says where `program` listens.
@@ -140,7 +143,9 @@ TEST_F(ProgramTest, keepsItsStateOverARestartUntilReset) {
 void changeUntilGone(std::uint16_t port) {
     try {
         LoopbackClient client(port);
-        (void)client.exchange(DELETE_8);  // left by the round before
+        // Reticle 8 may be left, and active, by the round before.
+        (void)client.exchange(ACTIVATE_0);
+        (void)client.exchange(DELETE_8);
         while (client.exchange(ADD) == DONE && client.exchange(DELETE_8) == DONE) {
         }
     } catch (const std::system_error&) {
@@ -148,16 +153,40 @@ void changeUntilGone(std::uint16_t port) {
     }
 }
 
+/// Lets the device's user do all that changes files, until the simulator is gone.
+void controlUntilGone(const std::string& socket) {
+    const std::string add = "[\"add\",\"Mine\",\"" + std::string(DATA_BYTES, 'x') + "\"]";
+    try {
+        for (;;) {
+            for (const std::string& command :
+                 {std::string(R"(["reset"])"), add, std::string(R"(["activate","8"])"),
+                  std::string(R"(["color","8","blue"])"), std::string(R"(["rename","8","Ours"])"),
+                  std::string(R"(["reset"])"), add, std::string(R"(["deletable","8","yes"])"),
+                  std::string(R"(["delete","8"])")}) {
+                if (ControlSocket::ask(socket, command).empty()) {
+                    return;
+                }
+            }
+        }
+    } catch (const std::system_error&) {
+        // Killed amid a command, as it is meant to be.
+    }
+}
+
 TEST_F(ProgramTest, leavesAReadableStateWhereverItIsKilled) {
     constexpr int ROUNDS = 40;
     constexpr int MAX_LIFE_US = 5'000;
-    const std::string data(100'000, 'x');
+    const std::string data(DATA_BYTES, 'x');
+    const std::string socket = (_root.path() / "control.sock").string();
     _root.write("new_reticle_data0", data);
     std::mt19937 random(76);  // NOLINT(cert-msc32-c,cert-msc51-cpp): a failure must come again.
     std::uniform_int_distribution<int> lifeUs(0, MAX_LIFE_US);
     for (int round = 0; round < ROUNDS; ++round) {
-        Process program(command());
-        std::thread changer(changeUntilGone, portOf(program));
+        Process program(command({"--control", socket}));
+        const std::uint16_t port = portOf(program);
+        // The service and the user in turn.
+        std::thread changer = round % 2 == 0 ? std::thread(changeUntilGone, port)
+                                             : std::thread(controlUntilGone, socket);
         std::this_thread::sleep_for(std::chrono::microseconds(lifeUs(random)));
         program.child().kill(SIGKILL);
         EXPECT_EQ(program.waitForEnd(), KILLED);
