@@ -94,6 +94,11 @@ TEST_F(MemoryReturnTest, NothingStaysOfBodiesOf64Kilobytes) {
     }
 }
 
+TEST_F(MemoryReturnTest, NothingStaysOfBodiesOf400Kilobytes) {
+    constexpr std::size_t BYTES = programs::HAVE_OVERHEAD ? SMALLEST_LARGE_BYTES : 400000;
+    expectGivenBackAfterEach(hostileTexts(BYTES), 1);
+}
+
 // Bodies that are too small for anything to be given back after them: the readers share what they took.
 TEST_F(MemoryReturnTest, LittleStaysOfOrdinaryBodiesOfManyClients) {
     constexpr std::size_t CLIENTS = 50;
