@@ -135,6 +135,8 @@ TEST_F(ReticleListTest, TextsEndAtAZeroCharacter) {
     flash.write("list.json", R"([{"reticles":[{"index":1,"name":"Dot\u0000x",
 "data":"dot.svg\u0000x","userColor":"red\u0000x","isDeletable":1,"isActive":0}]}])");
     EXPECT_EQ(replyTo(R"([{"param":"list.json\u0000x"}])"), ONE_DOT_REPLY_WITHOUT_RESULT);
+    // Where the name of a file is opened it ends there in any case.
+    EXPECT_EQ(output.out(), "_getReticleData: reticle file path: /tmp/FL0/reticle/dot.svg\n");
 }
 
 TEST_F(ReticleListTest, NameAtTheTopLevelIsNone) {
