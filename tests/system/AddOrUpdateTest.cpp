@@ -26,20 +26,6 @@ constexpr auto ADD_A_FROM_FILE_0 = R"([
 		"param3_data" : "a:/new_reticle_data0"
 	}
 ])";
-constexpr auto ADD_B_FROM_FILE_1 = R"([
-	{
-		"msg_id" : 78,
-		"param2_name" : "B",
-		"param3_data" : "a:/new_reticle_data1"
-	}
-])";
-constexpr auto ADD_A_FROM_FILE_3 = R"([
-	{
-		"msg_id" : 78,
-		"param2_name" : "A",
-		"param3_data" : "a:/new_reticle_data3"
-	}
-])";
 
 class AddOrUpdateTest : public ForegroundTest {
 protected:

@@ -6,9 +6,6 @@
 
 namespace {
 
-using exchanges::GET_ALL;
-using exchanges::LIST_REQUEST;
-
 class GetAllTest : public DaemonTest {
 protected:
     FrameClient client;
@@ -16,7 +13,7 @@ protected:
 
 TEST_F(GetAllTest, FurtherMembersOfTheRequestAreIgnored) {
     client.sendFrame(R"({"index":[1],"action":"RETICLES_GET_ALL","param_get":"x","msg_id":80})");
-    EXPECT_EQ(rtos.exchange(exchanges::FULL), LIST_REQUEST);
+    EXPECT_EQ(rtos.exchange(exchanges::FULL), exchanges::LIST_REQUEST);
     EXPECT_EQ(client.readReply(), exchanges::FULL_REPLY);
 }
 

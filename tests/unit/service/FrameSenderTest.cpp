@@ -144,6 +144,7 @@ TEST_F(FrameSenderTest, WritableConnectionThatTakesNothingBurnsNoProcessorTime) 
     }).join();
     EXPECT_EQ(error, ETIMEDOUT);
     EXPECT_LT(processorTime, LIMIT / 10);
+    EXPECT_TRUE(client.seesEnd());
 }
 
 TEST_F(FrameSenderTest, ClosedDescriptorIsAnError) {
