@@ -6,12 +6,10 @@
 
 namespace {
 
-class GetAllTest : public DaemonTest {
-protected:
-    FrameClient client;
-};
+using GetAllTest = DaemonTest;
 
 TEST_F(GetAllTest, FurtherMembersOfTheRequestAreIgnored) {
+    FrameClient client;
     client.sendFrame(R"({"index":[1],"action":"RETICLES_GET_ALL","param_get":"x","msg_id":80})");
     EXPECT_EQ(rtos.exchange(exchanges::FULL), exchanges::LIST_REQUEST);
     EXPECT_EQ(client.readReply(), exchanges::FULL_REPLY);
