@@ -39,6 +39,8 @@ constexpr auto SILENT =
     "_handlerRoutine, exception: Error after receiving json from local tcp,socket closed\n";
 constexpr auto CORRUPTED =
     "_handlerRoutine, exception: Corrupted json packet was received fromRTOS\n";
+// What follows an answer's JSON is not judged, but would show here.
+constexpr auto FULL_LINE = "send_and_get: recv json: [{\"ret_val\":6}]\n";
 
 /// Here the RTOS comes when the test says so.
 class RtosLinkTest : public SystemTest {
@@ -191,9 +193,10 @@ TEST_F(RtosLinkTest, ResetBetweenExchangesNeverEndsTheService) {
 TEST_F(RtosLinkTest, GarbageCostsTheReplyAndKeepsTheLink) {
     ScriptedRtos rtos;
     ask(rtos);
-    rtos.answer("RTOS v1 ready\r\n");
+    rtos.answer("RTOS v1 ready, longer than the answer to the next request\r\n");
     EXPECT_TRUE(service.hasError(CORRUPTED));
     expectServed(client(), rtos);
+    EXPECT_TRUE(service.hasProgress(FULL_LINE));
 }
 
 // And not only when the time-out says that no more will come.
@@ -237,6 +240,7 @@ TEST_F(RtosLinkTest, AnswerEndsAtAZeroByte) {
     ask(rtos);
     rtos.answer(std::string(FULL) + '\0' + "{{{ not json");
     EXPECT_EQ(client().readReply(), FULL_REPLY);
+    EXPECT_TRUE(service.hasProgress(FULL_LINE));
 }
 
 TEST_F(RtosLinkTest, LateAnswerWithinTheTimeOutIsServed) {
