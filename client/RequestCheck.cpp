@@ -143,7 +143,7 @@ void checkActivate(const Json::Value& request, RequestCheck& check) {
 void checkReticle(const Json::Value& record, const std::string& name, RequestCheck& check) {
     if (!record.isObject()) {
         add(check, name + " is " + describe(record) + LEFT_OUT,
-            "send objects with \"name\" and \"data\"");
+            R"(send objects with "name" and "data")");
         return;
     }
     for (const char* key : {"name", "data"}) {
@@ -152,7 +152,7 @@ void checkReticle(const Json::Value& record, const std::string& name, RequestChe
                 "send a string");
         }
     }
-    if (record["data"] == "") {
+    if (record["data"].isString() && record["data"].asString().empty()) {
         add(check, name + ": \"data\" is empty: the device keeps it, and no list shows it",
             "send the drawing");
     }

@@ -236,6 +236,30 @@ TEST_F(TracedBytesTest, AServiceThatLeavesWithinAReplyClosesTheClientAndTheNextI
     EXPECT_EQ(service.receive(encodeFrame(LIST).size()), encodeFrame(LIST));
 }
 
+TEST_F(TracedBytesTest, AServiceThatDoesNotTakeTheConnectionIsGivenUp) {
+    EXPECT_EQ(trace.stop(), Reticlectl::DONE);
+    const TracingProcess impatient({"--timeout", "1"});
+    listener.close();
+    listener = sockets::listenOn(CLIENT_PORT, 0);
+    const FrameClient waiting;
+    EXPECT_TRUE(tracedClient().connection().seesEnd());
+    EXPECT_TRUE(impatient.eventuallyPrints(
+        "#1 ! cannot connect to 127.0.0.1:3451: no answer within 1 s: "));
+}
+
+TEST_F(TracedBytesTest, RepliesMayComeLateAndForNoRequest) {
+    EXPECT_EQ(trace.stop(), Reticlectl::DONE);
+    const TracingProcess impatient({"--timeout", "1"});
+    FrameClient client = tracedClient();
+    Connection service = accepted();
+    client.sendFrame(LIST);
+    EXPECT_TRUE(impatient.eventuallyPrints("#1 ! no reply to RETICLES_GET_ALL within 1 s: "));
+    service.send(encodeFrame(NO_LIST));
+    EXPECT_EQ(client.readReply(), NO_LIST);
+    EXPECT_TRUE(
+        impatient.eventuallyPrints("#1 < OK, 0 reticles, 31 bytes, for no request under way\n"));
+}
+
 TEST_F(TracedBytesTest, JsonHoldsTheWholeTexts) {
     EXPECT_EQ(trace.stop(), Reticlectl::DONE);
     TracingProcess json({"--json"});

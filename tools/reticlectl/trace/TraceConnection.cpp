@@ -23,6 +23,9 @@ using Kind = RequestCutter::Piece::Kind;
 /// Of requests that wait in the service, of all clients together.
 constexpr std::size_t QUEUE_LENGTH = 15;
 
+/// Of a client that sends on and on, most requests have no reply: no more than these are awaited.
+constexpr std::size_t PENDING_LIMIT = 1000;
+
 constexpr const char* OPEN_ANEW = "the connection is out of step from here on: open a new one";
 
 std::string peerOf(const tcp::socket& socket) {
@@ -188,6 +191,9 @@ bool TraceConnection::_judgeFrame(const RequestCutter::Piece& piece) {
 }
 
 void TraceConnection::_await(const std::string& action) {
+    if (_pending.size() == PENDING_LIMIT) {
+        return;
+    }
     _pending.push_back({action, Clock::now()});
     ++_context.underWay;
     if (_context.underWay == QUEUE_LENGTH + 1) {
@@ -269,7 +275,7 @@ void TraceConnection::_watchTime() {
     if (!_pending.empty()) {
         start = _pending.front().since;
     }
-    if (!_requests.held().empty() && !_isIncompleteTold) {
+    if (_isToTellIncomplete()) {
         start = start ? std::min(*start, _lastFromClient) : _lastFromClient;
     }
     if (!start || _hasEnded) {
@@ -295,10 +301,15 @@ void TraceConnection::_onTime() {
         _pending.pop_front();
         --_context.underWay;
     }
-    if (!_requests.held().empty() && _lastFromClient <= overdue) {
+    if (_isToTellIncomplete() && _lastFromClient <= overdue) {
         _tellIncomplete();
     }
     _watchTime();
+}
+
+/// What is held while the service takes bytes may be whole frames.
+bool TraceConnection::_isToTellIncomplete() const {
+    return !_requests.held().empty() && _toService.empty() && !_isIncompleteTold;
 }
 
 void TraceConnection::_tellIncomplete() {

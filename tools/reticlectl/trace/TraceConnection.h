@@ -69,6 +69,7 @@ private:
     void _onServiceEnd();
     void _watchTime();
     void _onTime();
+    [[nodiscard]] bool _isToTellIncomplete() const;
     void _tellIncomplete();
     [[nodiscard]] std::string _withinTimeout() const;
     void _dropPending();
