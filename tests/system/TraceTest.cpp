@@ -144,6 +144,16 @@ TEST_F(TraceTest, ATakenPortIsUsage) {
     }
 }
 
+TEST_F(TraceTest, ATraceOfItselfIsUsage) {
+    const std::string port = "3453";
+    for (const char* address : {"127.0.0.1:", "0.0.0.0:"}) {
+        const Reticlectl itself =
+            Reticlectl::run({"trace", "--listen", address + port, "--port", port});
+        EXPECT_EQ(itself.status, Reticlectl::USAGE) << address;
+        EXPECT_THAT(itself.error, HasSubstr("cannot trace itself: "));
+    }
+}
+
 /// A service that the test plays, and so sees each byte.
 class TracedBytesTest : public SystemTest {
 protected:

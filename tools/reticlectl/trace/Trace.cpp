@@ -65,6 +65,22 @@ std::chrono::steady_clock::duration durationOf(double seconds) {
         std::chrono::duration<double>(seconds));
 }
 
+/// Each client would be followed by one of its own, without end.
+void requireOther(const tcp::resolver::results_type& service, const tcp::endpoint& listening) {
+    for (const auto& entry : service) {
+        const tcp::endpoint& endpoint = entry.endpoint();
+        const bool isSameHost =
+            endpoint.address() == listening.address() ||
+            (listening.address().is_unspecified() && endpoint.address().is_loopback());
+        if (isSameHost && endpoint.port() == listening.port()) {
+            throw Failure(
+                ExitStatus::USAGE,
+                "cannot trace itself: give the service's port with --port, and another one "
+                "with --listen");
+        }
+    }
+}
+
 std::string textOf(const tcp::endpoint& endpoint) {
     std::ostringstream text;
     text << endpoint;
@@ -81,7 +97,9 @@ Trace::Trace(const Session& session, const std::string& listen, bool passesAll)
       _acceptor(listenOn(_io, listen)),
       _retry(_io),
       _context{_log, lookUp(_io, session), session.peer(), durationOf(session.timeoutSeconds),
-               passesAll} {}
+               passesAll} {
+    requireOther(_context.endpoints, _acceptor.local_endpoint());
+}
 
 void Trace::run() {
     _interruption.async_wait(asio::posix::stream_descriptor::wait_read,

@@ -20,7 +20,8 @@ class Trace {
 public:
     /// Listens at once. The service need not be there. \param session must outlive this object.
     /// \param listen "ADDRESS:PORT", an IPv6 address in brackets.
-    /// \throws Failure where it cannot listen there, or the service's host has no address.
+    /// \throws Failure where it cannot listen there, or the service's host has no address or is this
+    ///         very trace.
     Trace(const Session& session, const std::string& listen, bool passesAll);
 
     /// Returns at Ctrl-C, or where nobody takes the output any more.
