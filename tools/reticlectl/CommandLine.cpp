@@ -20,8 +20,8 @@ namespace {
 
 constexpr const char* FOOTER =
     "The options of reticlectl --help may also stand behind a command.\n"
-    "Exit status: 0 done, 1 refused by the device, 2 usage, 3 cannot connect,\n"
-    "4 no reply in time, 5 malformed reply, 130 interrupted by Ctrl-C.";
+    "Exit status: 0 done, 1 refused by the device or found to be bad, 2 usage,\n"
+    "3 cannot connect, 4 no reply in time, 5 malformed reply, 130 interrupted by Ctrl-C.";
 
 constexpr const char* HOST_OPTION = "--host";
 constexpr const char* PORT_OPTION = "--port";
@@ -83,6 +83,7 @@ void addCommands(CLI::App& app, const Session& session, ExitStatus& status) {
     addShowCommand(app, session);
     addGalleryCommand(app, session);
     addPingCommand(app, session, status);
+    addDoctorCommand(app, session, status);
     addTraceCommand(app, session);
     addHelpCommand(app, session);
 }

@@ -23,5 +23,6 @@ void addHelpCommand(CLI::App& app, const Session& session);
 
 /// The same; the command's own verdict goes to `status`, which must outlive `app`, too.
 void addPingCommand(CLI::App& app, const Session& session, ExitStatus& status);
+void addDoctorCommand(CLI::App& app, const Session& session, ExitStatus& status);
 
 }  // namespace reticlectl

@@ -109,7 +109,7 @@ _reticlectl() {
         -*) mapfile -t COMPREPLY < <(compgen -W "$(_reticlectl_options "$command")" -- "$current") ;;
         *,,* | *,help,0)
             mapfile -t COMPREPLY < <(
-                compgen -W "list activate add update delete show gallery ping trace help" -- "$current"
+                compgen -W "list activate add update delete show gallery ping doctor trace help" -- "$current"
             )
             ;;
         *,activate,0 | *,show,0 | *,update,0 | *,delete,*) _reticlectl_complete_index "$current" ;;

@@ -2,7 +2,7 @@
 
 # Succeeds as long as there is no command.
 function __reticlectl_awaits_command
-    not __fish_seen_subcommand_from list activate add update delete show gallery ping trace help
+    not __fish_seen_subcommand_from list activate add update delete show gallery ping doctor trace help
 end
 
 # Succeeds where a FILE of `add` belongs: NAME and FILE stand in turn behind the command.
@@ -51,6 +51,7 @@ complete -c reticlectl -n __reticlectl_awaits_command -a delete -d 'Delete retic
 complete -c reticlectl -n __reticlectl_awaits_command -a show -d 'Print a reticle\'s data'
 complete -c reticlectl -n __reticlectl_awaits_command -a gallery -d 'Make a web page with the pictures of all reticles'
 complete -c reticlectl -n __reticlectl_awaits_command -a ping -d 'Ask whether the service answers'
+complete -c reticlectl -n __reticlectl_awaits_command -a doctor -d 'On the device, look at all that the service stands on'
 complete -c reticlectl -n __reticlectl_awaits_command -a trace -d 'Name the mistakes of a client'
 complete -c reticlectl -n __reticlectl_awaits_command -a help -d 'Print the help, or that of a command'
 
@@ -65,5 +66,5 @@ complete -c reticlectl -n '__fish_seen_subcommand_from ping' -l interval -x -d '
 complete -c reticlectl -n '__fish_seen_subcommand_from trace' -l listen -x -d 'Where clients connect to'
 complete -c reticlectl -n '__fish_seen_subcommand_from trace' -l pass-all -d 'Pass on what would end the service, too'
 complete -c reticlectl -n '__fish_seen_subcommand_from update' -F
-complete -c reticlectl -n '__fish_seen_subcommand_from help' -a 'list activate add update delete show gallery ping trace'
+complete -c reticlectl -n '__fish_seen_subcommand_from help' -a 'list activate add update delete show gallery ping doctor trace'
 complete -c reticlectl -n __reticlectl_awaits_file -F

@@ -8,7 +8,8 @@ namespace reticlectl {
 /// How the program ends. Scripts rely on the numbers.
 enum class ExitStatus : int {
     DONE = 0,
-    /// The device said no, or has no reticle of the index that is to be shown.
+    /// The device said no, or has no reticle of the index that is to be shown; the doctor found
+    /// something bad.
     REFUSED = 1,
     /// A wrong command line, a file that cannot be read or written, or a text that cannot be sent.
     USAGE = 2,

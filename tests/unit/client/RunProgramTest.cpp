@@ -1,0 +1,35 @@
+#include <gtest/gtest.h>
+
+#include "tools/reticlectl/doctor/runProgram.h"
+
+namespace reticlectl {
+
+namespace {
+
+TEST(RunProgram, TellsWhatBothStreamsGot) {
+    const auto run = runProgram({"sh", "-c", "echo one; echo two >&2; cat"});
+    ASSERT_TRUE(run);
+    EXPECT_TRUE(run->hasSucceeded);
+    EXPECT_EQ(run->output, "one\ntwo\n");
+}
+
+TEST(RunProgram, TellsAFailure) {
+    const auto run = runProgram({"sh", "-c", "echo no; exit 3"});
+    ASSERT_TRUE(run);
+    EXPECT_FALSE(run->hasSucceeded);
+    EXPECT_EQ(run->output, "no\n");
+}
+
+TEST(RunProgram, TellsThatThereIsNone) {
+    EXPECT_FALSE(runProgram({"a-program-that-nobody-has"}));
+}
+
+TEST(RunProgram, EndsWhatDoesNotEnd) {
+    const auto run = runProgram({"sleep", "600"});
+    ASSERT_TRUE(run);
+    EXPECT_FALSE(run->hasSucceeded);
+}
+
+}  // namespace
+
+}  // namespace reticlectl

@@ -1,0 +1,89 @@
+#include "tools/reticlectl/doctor/runProgram.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+
+namespace reticlectl {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds LONGEST{5};
+
+/// What the program writes until it has closed its end. \return whether it did in time.
+bool readAll(int descriptor, std::string& output) {
+    constexpr std::size_t PIECE_BYTES = 4096;
+    const auto deadline = Clock::now() + LONGEST;
+    std::array<char, PIECE_BYTES> piece{};
+    while (true) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+        pollfd readable{.fd = descriptor, .events = POLLIN, .revents = 0};
+        if (left <= 0 || ::poll(&readable, 1, static_cast<int>(left)) == 0) {
+            return false;
+        }
+        const ssize_t bytes = ::read(descriptor, piece.data(), piece.size());
+        if (bytes <= 0) {
+            return bytes == 0;
+        }
+        output.append(piece.data(), static_cast<std::size_t>(bytes));
+    }
+}
+
+/// Starts the program with both output streams leading to `output`. \return its number, or -1.
+pid_t start(const std::vector<std::string>& command, int output) {
+    std::vector<std::string> words = command;
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t streams;
+    if (::posix_spawn_file_actions_init(&streams) != 0) {
+        return -1;
+    }
+    pid_t pid = -1;
+    const bool isReady =
+        ::posix_spawn_file_actions_addopen(&streams, STDIN_FILENO, "/dev/null", O_RDONLY, 0) == 0 &&
+        ::posix_spawn_file_actions_adddup2(&streams, output, STDOUT_FILENO) == 0 &&
+        ::posix_spawn_file_actions_adddup2(&streams, output, STDERR_FILENO) == 0;
+    if (!isReady || ::posix_spawnp(&pid, arguments.front(), &streams, nullptr, arguments.data(),
+                                   environ) != 0) {
+        pid = -1;
+    }
+    ::posix_spawn_file_actions_destroy(&streams);
+    return pid;
+}
+
+}  // namespace
+
+std::optional<ProgramRun> runProgram(const std::vector<std::string>& command) {
+    std::array<int, 2> pipe{};
+    if (::pipe2(pipe.data(), O_CLOEXEC) != 0) {
+        return std::nullopt;
+    }
+    const auto [readEnd, writeEnd] = pipe;
+    const pid_t pid = start(command, writeEnd);
+    ::close(writeEnd);
+    std::optional<ProgramRun> run;
+    if (pid > 0) {
+        run.emplace();
+        if (!readAll(readEnd, run->output)) {
+            ::kill(pid, SIGKILL);
+        }
+        int status = 0;
+        run->hasSucceeded = ::waitpid(pid, &status, 0) == pid && status == 0;
+    }
+    ::close(readEnd);
+    return run;
+}
+
+}  // namespace reticlectl
