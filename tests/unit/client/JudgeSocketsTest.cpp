@@ -33,7 +33,9 @@ TEST(JudgeSockets, OneServiceIsWell) {
 TEST(JudgeSockets, AProcessThatOnlyRootSeesIsSaidToBeSo) {
     const Finding finding = judgeServicePort({SERVICE}, {{}, false}, "reticled");
     EXPECT_EQ(finding.verdict, Verdict::OK);
-    EXPECT_EQ(finding.text, "a process of user reticled listens; only root sees which");
+    EXPECT_EQ(finding.text, "a socket of user reticled listens; only root sees whose");
+    EXPECT_THAT(judgeServicePort({SERVICE}, {{}, true}, "reticled").text,
+                HasSubstr("whose is not seen from here"));
 }
 
 TEST(JudgeSockets, APortThatNobodyHasIsBad) {
@@ -55,7 +57,7 @@ TEST(JudgeSockets, TwoServicesAreBad) {
     const Finding finding = judge(heldBy({{7, "reticled", false}, {8, "reticled", false}}));
     EXPECT_EQ(finding.verdict, Verdict::BAD);
     EXPECT_THAT(finding.text, HasSubstr("2 sockets listen, of reticled (process 7), reticled "));
-    EXPECT_THAT(judge({}).text, HasSubstr("2 sockets listen, only root sees whose"));
+    EXPECT_THAT(judge({{}, false}).text, HasSubstr("2 sockets listen, only root sees whose"));
 }
 
 TEST(JudgeSockets, AProgramThatHasBeenReplacedWantsARestart) {

@@ -11,6 +11,11 @@ namespace {
 constexpr const char* PORT_SUBJECT = "port 3451";
 constexpr const char* LINK_SUBJECT = "RTOS";
 
+/// Why no process is found behind a socket.
+std::string whyUnseen(const SocketHolders& holders) {
+    return holders.isComplete ? "whose is not seen from here" : "only root sees whose";
+}
+
 std::string listed(const std::vector<SocketHolders::Process>& processes) {
     std::string text;
     for (const SocketHolders::Process& process : processes) {
@@ -29,7 +34,7 @@ Finding judgeHolders(const SocketHolders& holders, const std::string& user) {
     const auto& processes = holders.processes;
     if (processes.empty()) {
         return {PORT_SUBJECT, Verdict::OK,
-                "a process of user " + user + " listens; only root sees which"};
+                "a socket of user " + user + " listens; " + whyUnseen(holders)};
     }
     if (!std::all_of(processes.begin(), processes.end(), &isService)) {
         return {PORT_SUBJECT, Verdict::BAD, listed(processes) + " has the port of the service",
@@ -65,7 +70,7 @@ Finding judgeServicePort(const std::vector<TcpSocket>& listeners, const SocketHo
     }
     if (listeners.size() > 1) {
         const std::string who =
-            holders.processes.empty() ? "only root sees whose" : "of " + listed(holders.processes);
+            holders.processes.empty() ? whyUnseen(holders) : "of " + listed(holders.processes);
         return {PORT_SUBJECT, Verdict::BAD,
                 std::to_string(listeners.size()) + " sockets listen, " + who +
                     ": the kernel gives each client to one of them",

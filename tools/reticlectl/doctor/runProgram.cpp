@@ -81,6 +81,11 @@ std::optional<ProgramRun> runProgram(const std::vector<std::string>& command) {
         }
         int status = 0;
         run->hasSucceeded = ::waitpid(pid, &status, 0) == pid && status == 0;
+        // As shells tell it; an emulator cannot tell it sooner.
+        constexpr int NO_PROGRAM = 127;
+        if (WIFEXITED(status) && WEXITSTATUS(status) == NO_PROGRAM) {
+            run.reset();
+        }
     }
     ::close(readEnd);
     return run;
