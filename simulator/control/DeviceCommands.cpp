@@ -182,7 +182,7 @@ std::optional<std::size_t> DeviceCommands::_exchangeIn(const std::string& when) 
     if (when == "next") {
         return next;
     }
-    const long long number = numberIn<long long>(when);
+    const auto number = numberIn<long long>(when);
     if (number < static_cast<long long>(next)) {
         throw std::runtime_error("'" + when +
                                  "' is neither next nor every nor an exchange to come");

@@ -263,8 +263,10 @@ TEST_F(SimulatorControlTest, AFollowerThatDoesNotReadCostsNobodyAnything) {
 
     ControlSocket follower(SOCKET);
     follower.send("[\"events\"]");
-    makeEvents(2000);  // 32 MB
-    EXPECT_LT(info.residentBytes(), before + ALLOWED_GROWTH_BYTES);
+    makeEvents(programs::HAVE_OVERHEAD ? 200 : 2000);  // 32 MB
+    if (!programs::HAVE_OVERHEAD) {
+        EXPECT_LT(info.residentBytes(), before + ALLOWED_GROWTH_BYTES);
+    }
     EXPECT_NE(list(), "");
 
     // It gets the oldest, then, as soon as it has read, what happens from there on.
