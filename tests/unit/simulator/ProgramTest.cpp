@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <functional>
 #include <random>
 #include <regex>
 #include <stdexcept>
@@ -32,7 +33,6 @@ constexpr const char* LISTED = R"([{"param":"reticle_list.json","ret_val":0}])";
 constexpr const char* DONE = R"([{"ret_val":0}])";
 constexpr const char* ADD =
     R"([{"msg_id":78,"param2_name":"Mine","param3_data":"a:/new_reticle_data0"}])";
-constexpr const char* ACTIVATE_0 = R"([{"msg_id":77,"param":0}])";
 constexpr const char* DELETE_8 = R"([{"msg_id":80,"param":8}])";
 
 constexpr std::size_t DATA_BYTES = 100'000;
@@ -143,9 +143,7 @@ TEST_F(ProgramTest, keepsItsStateOverARestartUntilReset) {
 void changeUntilGone(std::uint16_t port) {
     try {
         LoopbackClient client(port);
-        // Reticle 8 may be left, and active, by the round before.
-        (void)client.exchange(ACTIVATE_0);
-        (void)client.exchange(DELETE_8);
+        (void)client.exchange(DELETE_8);  // left by the round before
         while (client.exchange(ADD) == DONE && client.exchange(DELETE_8) == DONE) {
         }
     } catch (const std::system_error&) {
@@ -156,55 +154,72 @@ void changeUntilGone(std::uint16_t port) {
 /// Lets the device's user do all that changes files, until the simulator is gone.
 void controlUntilGone(const std::string& socket) {
     const std::string add = "[\"add\",\"Mine\",\"" + std::string(DATA_BYTES, 'x') + "\"]";
+    const std::vector<std::string> commands = {R"(["activate","0"])",
+                                               R"(["delete","8"])",
+                                               add,
+                                               R"(["delete","8"])",
+                                               add,
+                                               R"(["activate","8"])",
+                                               R"(["color","8","blue"])",
+                                               R"(["rename","8","Ours"])",
+                                               R"(["deletable","8","yes"])",
+                                               R"(["reset"])"};
     try {
-        for (;;) {
-            for (const std::string& command :
-                 {std::string(R"(["reset"])"), add, std::string(R"(["activate","8"])"),
-                  std::string(R"(["color","8","blue"])"), std::string(R"(["rename","8","Ours"])"),
-                  std::string(R"(["reset"])"), add, std::string(R"(["deletable","8","yes"])"),
-                  std::string(R"(["delete","8"])")}) {
-                if (ControlSocket::ask(socket, command).empty()) {
-                    return;
-                }
-            }
+        for (std::size_t next = 0; !ControlSocket::ask(socket, commands[next]).empty();) {
+            next = (next + 1) % commands.size();
         }
     } catch (const std::system_error&) {
         // Killed amid a command, as it is meant to be.
     }
 }
 
-TEST_F(ProgramTest, leavesAReadableStateWhereverItIsKilled) {
-    constexpr int ROUNDS = 40;
-    constexpr int MAX_LIFE_US = 5'000;
-    const std::string data(DATA_BYTES, 'x');
-    const std::string socket = (_root.path() / "control.sock").string();
-    _root.write("new_reticle_data0", data);
-    std::mt19937 random(76);  // NOLINT(cert-msc32-c,cert-msc51-cpp): a failure must come again.
-    std::uniform_int_distribution<int> lifeUs(0, MAX_LIFE_US);
-    for (int round = 0; round < ROUNDS; ++round) {
-        Process program(command({"--control", socket}));
-        const std::uint16_t port = portOf(program);
-        // The service and the user in turn.
-        std::thread changer = round % 2 == 0 ? std::thread(changeUntilGone, port)
-                                             : std::thread(controlUntilGone, socket);
-        std::this_thread::sleep_for(std::chrono::microseconds(lifeUs(random)));
-        program.child().kill(SIGKILL);
-        EXPECT_EQ(program.waitForEnd(), KILLED);
-        changer.join();
+/// A simulator that is killed at any moment of its work leaves a state that the next one takes up.
+class KilledProgramTest : public ProgramTest {
+protected:
+    KilledProgramTest() { _root.write("new_reticle_data0", _data); }
 
+    /// Starts simulators and kills each after `maxLifeUs` at most.
+    /// \param changeUntilGone changes what the one holds that listens on this port
+    void killOften(const std::function<void(std::uint16_t port)>& changeUntilGone, int rounds,
+                   int maxLifeUs) {
+        std::mt19937 random(76);  // NOLINT(cert-msc32-c,cert-msc51-cpp): a failure must come again.
+        std::uniform_int_distribution<int> lifeUs(0, maxLifeUs);
+        for (int round = 0; round < rounds && !HasFailure(); ++round) {
+            Process program(command({"--control", _socket}));
+            std::thread changer(changeUntilGone, portOf(program));
+            std::this_thread::sleep_for(std::chrono::microseconds(lifeUs(random)));
+            program.child().kill(SIGKILL);
+            EXPECT_EQ(program.waitForEnd(), KILLED);
+            changer.join();
+            expectReadableState();
+        }
+        Process last(command());
+        EXPECT_EQ(LoopbackClient(portOf(last)).exchange(LIST), LISTED);
+        const ReticleList list = parseListText(_root.read("reticle_list.json"));
+        EXPECT_EQ(_root.reticleFiles().size(), list.size());
+    }
+
+    void expectReadableState() const {
         ReticleList list = parseListText(_root.read("reticle_list.json"));
         for (const Reticle& reticle : list) {
-            ASSERT_TRUE(_root.has("reticle/" + reticle.fileName)) << round;
+            EXPECT_TRUE(_root.has("reticle/" + reticle.fileName));
         }
         if (const auto added = findReticle(list, 8); added != list.end()) {
-            ASSERT_EQ(_root.read("reticle/" + added->fileName), data) << round;
+            EXPECT_EQ(_root.read("reticle/" + added->fileName), _data);
         }
-        ASSERT_TRUE(list.size() == 8 || list.size() == 9) << round;
+        EXPECT_TRUE(list.size() == 8 || list.size() == 9) << list.size();
     }
-    Process last(command());
-    EXPECT_EQ(LoopbackClient(portOf(last)).exchange(LIST), LISTED);
-    const ReticleList list = parseListText(_root.read("reticle_list.json"));
-    EXPECT_EQ(_root.reticleFiles().size(), list.size());
+
+    const std::string _data = std::string(DATA_BYTES, 'x');
+    const std::string _socket = (_root.path() / "control.sock").string();
+};
+
+TEST_F(KilledProgramTest, leavesWhatTheServiceHadChanged) {
+    killOften(changeUntilGone, 40, 5'000);
+}
+
+TEST_F(KilledProgramTest, leavesWhatTheUserHadChanged) {
+    killOften([this](std::uint16_t /*port*/) { controlUntilGone(_socket); }, 60, 15'000);
 }
 
 }  // namespace
