@@ -51,7 +51,7 @@ std::string noteOn(const std::string& data, bool isTemplate) {
         return "";
     }
     return isTemplate
-               ? "note: each \"" + *color + "\" is \"user_color\" now"
+               ? R"(note: each ")" + *color + R"(" is "user_color" now)"
                : "note: the user's colour is put in; stored again as it is, it stays fixed, but "
                  "for --template";
 }

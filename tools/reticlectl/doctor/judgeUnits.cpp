@@ -83,9 +83,9 @@ UnitProperties parseProperties(const std::string& text) {
 }
 
 std::vector<std::string> showUnit(const std::string& unit) {
-    return {"systemctl", "--no-pager", "show", unit,
-            "--property=LoadState,ActiveState,SubState,UnitFileState,NRestarts,"
-            "ActiveEnterTimestamp"};
+    constexpr const char* PROPERTIES =
+        "--property=LoadState,ActiveState,SubState,UnitFileState,NRestarts,ActiveEnterTimestamp";
+    return {"systemctl", "--no-pager", "show", unit, PROPERTIES};
 }
 
 std::vector<std::string> readJournal() {

@@ -42,6 +42,7 @@ bool readAll(int descriptor, std::string& output) {
 pid_t start(const std::vector<std::string>& command, int output) {
     std::vector<std::string> words = command;
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

@@ -8,7 +8,7 @@ namespace reticlectl {
 
 /// What a program that has ended leaves.
 struct ProgramRun {
-    bool hasSucceeded;
+    bool hasSucceeded = false;
     /// Standard output and standard error together.
     std::string output;
 };
