@@ -27,8 +27,10 @@ struct Examination {
 
 class DoctorTest : public PlayedDeviceTest {
 protected:
-    static Examination examine() {
-        const Reticlectl doctor = Reticlectl::run({"--timeout", "1", "--json", "doctor"});
+    /// \param timeoutSeconds for the list.
+    static Examination examine(const std::string& timeoutSeconds = "60") {
+        const Reticlectl doctor =
+            Reticlectl::run({"--timeout", timeoutSeconds, "--json", "doctor"});
         EXPECT_EQ(doctor.error, "");
         Json::Value document;
         std::istringstream(doctor.output) >> document;
@@ -84,7 +86,7 @@ TEST_F(DoctorTest, TwoServices) {
 
 TEST_F(DoctorTest, NoRtos) {
     EXPECT_EQ(simulator->stop(), 0);
-    Examination found = examine();
+    Examination found = examine("1");
     EXPECT_EQ(found.status, 1);
     EXPECT_THAT(found.findings["port 3451"], StartsWith("ok: "));
     EXPECT_EQ(found.findings["RTOS"], "bad: nobody listens on port 3425");
