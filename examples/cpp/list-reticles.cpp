@@ -1,6 +1,8 @@
 // Lists the reticles of a device; with an index, makes that reticle the active one first.
 #include <reticle-client/ReticleClient.h>
 
+#include <cstdint>
+#include <cstdlib>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -14,21 +16,30 @@ void print(const reticle::Reply& reply) {
     }
 }
 
-bool read(const std::string& text, int& index) {
+template <typename Number>
+bool read(const std::string& text, Number& number) {
     std::istringstream stream(text);
-    return stream >> index && stream.eof();
+    return stream >> number && stream.eof();
+}
+
+std::string variable(const char* name, const char* otherwise) {
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : otherwise;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     int index = 0;
-    if (argc < 2 || argc > 3 || (argc == 3 && !read(argv[2], index))) {
-        std::cerr << "usage: list-reticles HOST [INDEX]\n";
+    std::uint16_t port = 0;
+    const std::string host = argc > 1 ? argv[1] : variable("RETICLED_HOST", "127.0.0.1");
+    if (argc > 3 || (argc == 3 && !read(argv[2], index)) ||
+        !read(variable("RETICLED_PORT", "3451"), port)) {
+        std::cerr << "usage: list-reticles [HOST [INDEX]]    (RETICLED_HOST, RETICLED_PORT)\n";
         return 2;
     }
     try {
-        reticle::ReticleClient device(argv[1]);
+        reticle::ReticleClient device(host, port);
         print(argc == 3 ? device.activate(index) : device.list());
         return 0;
     } catch (const reticle::Refused& refusal) {
