@@ -9,7 +9,8 @@ namespace sim {
 std::string eventTime(std::chrono::system_clock::time_point time) {
     using std::chrono::milliseconds;
     const auto since = std::chrono::floor<milliseconds>(time.time_since_epoch());
-    const std::time_t seconds = std::chrono::floor<std::chrono::seconds>(since).count();
+    const std::time_t seconds =
+        std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(time));
     std::tm parts{};
     gmtime_r(&seconds, &parts);
     constexpr std::size_t SIZE = sizeof("2026-11-22T00:10:00");
