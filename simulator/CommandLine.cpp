@@ -71,10 +71,10 @@ void requireNone(const CLI::App& app, const std::string& option,
 
 void requireSense(const CLI::App& app) {
     requireNone(app, "--replay",
-                {"--record", "--max-reticles", "--max-bytes", "--reset", "--fault"});
+                {"--record", "--max-reticles", "--max-bytes", "--reset", "--fault", "--web"});
     requireNone(app, "--from-log",
                 {"--record", "--replay", "--root", "--port", "--max-reticles", "--max-bytes",
-                 "--reset", "--verbose", "--fault", "--control"});
+                 "--reset", "--verbose", "--fault", "--control", "--web"});
 }
 
 /// The words of a command are none of the library's affair.
@@ -137,6 +137,14 @@ std::vector<Fault> parseFaults(const std::vector<std::string>& texts) {
     return faults;
 }
 
+WebAddress parseWeb(const std::string& text) {
+    try {
+        return parseWebAddress(text);
+    } catch (const std::invalid_argument& error) {
+        throw CLI::ValidationError("--web " + text, error.what());
+    }
+}
+
 /// CLI11 ends the parsing by an exception for help and version as well.
 /// \return the exit status
 int endParsing(const CLI::App& app, const CLI::ParseError& end) {
@@ -177,6 +185,9 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
         ->allow_extra_args(false);
     app.add_option("--control", options.controlPath, "Take commands on this Unix socket, see ctl")
         ->type_name("PATH");
+    std::string web;
+    app.add_option("--web", web, "Show the device in browsers, on 127.0.0.1 without ADDRESS")
+        ->type_name("[ADDRESS:]PORT");
     addSessionOptions(app, options);
     const CLI::App& ctl = addCtl(app, options);
     try {
@@ -186,6 +197,9 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv, int& 
         }
         requireSense(app);
         options.faults = parseFaults(faults);
+        if (app.count("--web") > 0) {
+            options.webAddress = parseWeb(web);
+        }
     } catch (const CLI::ParseError& end) {
         exitStatus = endParsing(app, end);
         return std::nullopt;

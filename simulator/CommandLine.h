@@ -9,6 +9,7 @@
 #include "simulator/control/CommandForm.h"
 #include "simulator/device/Device.h"
 #include "simulator/device/Fault.h"
+#include "simulator/web/WebAddress.h"
 
 namespace sim {
 
@@ -20,10 +21,11 @@ struct Options {
     bool isReset = false;
     bool isVerbose = false;
     std::vector<Fault> faults;
-    std::filesystem::path controlPath;  ///< socket on which to take commands; empty for none
-    std::filesystem::path commandPath;  ///< socket to send `command` to, which is all to be done
-    Words command;                      ///< empty for none
-    std::filesystem::path recordFile;   ///< session to write while simulating; empty for none
+    std::filesystem::path controlPath;     ///< socket on which to take commands; empty for none
+    std::filesystem::path commandPath;     ///< socket to send `command` to, which is all to be done
+    Words command;                         ///< empty for none
+    std::optional<WebAddress> webAddress;  ///< where to serve the page; none for no page
+    std::filesystem::path recordFile;      ///< session to write while simulating; empty for none
     std::filesystem::path replayFile;   ///< session to play instead of simulating; empty for none
     std::filesystem::path fromLogFile;  ///< log to turn into a session; empty for none
 };

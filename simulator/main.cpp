@@ -29,6 +29,7 @@
 #include "simulator/session/SessionReader.h"
 #include "simulator/session/SessionRecorder.h"
 #include "simulator/session/SessionWriter.h"
+#include "simulator/web/DevicePage.h"
 
 namespace {
 
@@ -62,6 +63,7 @@ public:
     void stop() { _io.stop(); }
 
     [[nodiscard]] sim::Server& server() { return _server; }
+    [[nodiscard]] asio::io_context& io() { return _io; }
 
 private:
     asio::io_context _io;
@@ -148,6 +150,12 @@ int simulate(const sim::Options& options) {
         },
         events);
     sim::DeviceCommands commands({storage, device, faulty, loop.server(), events, state});
+    std::optional<sim::DevicePage> page;
+    if (options.webAddress) {
+        page.emplace(*options.webAddress,
+                     sim::DevicePage::Parts{loop.io(), commands, device, events}, options.root);
+        std::cout << "rtos-sim: page " << page->url() << std::endl;
+    }
     loop.run(
         observed, [&commands](const sim::Words& words) { return commands.run(words); }, events,
         "root " + storage.rootText() + ", " + std::to_string(device.reticles().size()) +

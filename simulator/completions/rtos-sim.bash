@@ -53,10 +53,10 @@ _rtos_sim() {
         --fault) _rtos_sim_faults "$current" ;;
         --root) _rtos_sim_paths -d "$current" ;;
         --control | --record | --replay | --from-log) _rtos_sim_paths -f "$current" ;;
-        --port | --max-reticles | --max-bytes) ;;
+        --port | --max-reticles | --max-bytes | --web) ;;
         *)
             local words="--help --version --root --port --max-reticles --max-bytes --reset --verbose --fault --control \
-                --record --replay --from-log"
+                --web --record --replay --from-log"
             [ "$COMP_CWORD" -gt 1 ] || words+=' ctl'
             _rtos_sim_words "$words" "$current"
             ;;

@@ -26,6 +26,7 @@ complete -c rtos-sim -n __rtos_sim_has_no_ctl -l reset -d 'Go back to the factor
 complete -c rtos-sim -n __rtos_sim_has_no_ctl -l verbose -d 'Print events'
 complete -c rtos-sim -n __rtos_sim_has_no_ctl -l fault -x -a "$faults" -d 'What goes wrong'
 complete -c rtos-sim -n __rtos_sim_has_no_ctl -l control -r -F -d 'Take commands on this socket'
+complete -c rtos-sim -n __rtos_sim_has_no_ctl -l web -x -d 'Show the device in browsers'
 complete -c rtos-sim -n __rtos_sim_has_no_ctl -l record -r -F -d 'Write a session'
 complete -c rtos-sim -n __rtos_sim_has_no_ctl -l replay -r -F -d 'Play the device of a session'
 complete -c rtos-sim -n __rtos_sim_has_no_ctl -l from-log -r -F -d 'Print the session of a log'

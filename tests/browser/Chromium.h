@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tests/browser/Screenshot.h"
 
@@ -14,7 +15,10 @@ struct OpenedPage {
 /// What the reader's system asks pages to look like.
 enum class Scheme { LIGHT, DARK };
 
-/// Opens a page in a new Chromium without a past or a window, 1000 by 1400 pixels large, and ends
-/// it. Takes seconds.
+/// What starts a Chromium without a past or a window, 1000 by 1400 pixels large.
+/// \param profile a directory that is made.
+[[nodiscard]] std::vector<std::string> chromiumCommand(const std::string& profile, Scheme scheme);
+
+/// Opens a page in a new Chromium of its own and ends it. Takes seconds.
 /// \param path of the file. \throws std::runtime_error with what the browser said when it fails.
 [[nodiscard]] OpenedPage openInChromium(const std::string& path, Scheme scheme = Scheme::LIGHT);

@@ -54,13 +54,14 @@ TEST(CommandLine, hasDefaultsForEverything) {
     EXPECT_FALSE(parsed.options->isReset);
     EXPECT_FALSE(parsed.options->isVerbose);
     EXPECT_TRUE(parsed.options->faults.empty());
+    EXPECT_FALSE(parsed.options->webAddress);
     EXPECT_EQ(parsed.exitStatus, NOT_SET);
 }
 
 TEST(CommandLine, readsEveryOption) {
-    const Parsed parsed =
-        parse({"--root", "/tmp/x", "--port=0", "--max-reticles", "5", "--max-bytes", "1", "--reset",
-               "--verbose", "--fault", "delay:10@2", "--fault", "silent"});
+    const Parsed parsed = parse({"--root", "/tmp/x", "--port=0", "--max-reticles", "5",
+                                 "--max-bytes", "1", "--reset", "--verbose", "--fault",
+                                 "delay:10@2", "--fault", "silent", "--web", "192.168.1.7:80"});
     ASSERT_TRUE(parsed.options) << parsed.err;
     EXPECT_EQ(parsed.options->root, "/tmp/x");
     EXPECT_EQ(parsed.options->port, 0);
@@ -68,6 +69,9 @@ TEST(CommandLine, readsEveryOption) {
     EXPECT_EQ(parsed.options->limits.bytes, 1U);
     EXPECT_TRUE(parsed.options->isReset);
     EXPECT_TRUE(parsed.options->isVerbose);
+    ASSERT_TRUE(parsed.options->webAddress);
+    EXPECT_EQ(parsed.options->webAddress->host, "192.168.1.7");
+    EXPECT_EQ(parsed.options->webAddress->port, 80);
     EXPECT_THAT(parsed.options->faults,
                 ElementsAre(Fault{FaultKind::DELAY, 10, 2}, Fault{FaultKind::SILENT, 0, {}}));
 }
@@ -136,6 +140,9 @@ TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
         {{"--from-log", "a", "--replay", "b"}, "--replay makes no sense with --from-log"},
         {{"--from-log", "a", "--root", "b"}, "--root makes no sense with --from-log"},
         {{"--from-log", "a", "--control", "b"}, "--control makes no sense with --from-log"},
+        {{"--from-log", "a", "--web", "80"}, "--web makes no sense with --from-log"},
+        {{"--replay", "a", "--web", "80"}, "--web makes no sense with --replay"},
+        {{"--web", "page"}, R"(--web page: "page" is not a port, a number from 0 to 65535)"},
         {{"--record"}, "--record"},
         {{"--frequency"}, "unknown argument --frequency"},
         {{"extra"}, "unknown argument extra"}};
@@ -154,10 +161,10 @@ TEST(CommandLine, printsHelpForEveryOptionAndFault) {
     const Parsed parsed = parse({"--help"});
     EXPECT_FALSE(parsed.options);
     EXPECT_EQ(parsed.exitStatus, 0);
-    for (const char* text :
-         {"--version", "--root DIR", "--port PORT", "--max-reticles COUNT=32",
-          "--max-bytes BYTES=64000000", "--reset", "--verbose", "--fault KIND[:ARG][@N]",
-          "--control PATH", "--record FILE", "--replay FILE", "--from-log FILE"}) {
+    for (const char* text : {"--version", "--root DIR", "--port PORT", "--max-reticles COUNT=32",
+                             "--max-bytes BYTES=64000000", "--reset", "--verbose",
+                             "--fault KIND[:ARG][@N]", "--control PATH", "--web [ADDRESS:]PORT",
+                             "--record FILE", "--replay FILE", "--from-log FILE"}) {
         EXPECT_THAT(parsed.out, HasSubstr(text));
     }
     EXPECT_THAT(parsed.out, HasSubstr(faultHelp()));

@@ -1,0 +1,43 @@
+#include "simulator/web/RequestGuard.h"
+
+#include <utility>
+
+#include <asio/ip/address_v4.hpp>
+
+namespace sim {
+
+namespace {
+
+constexpr const char* ANY_ADDRESS = "0.0.0.0";
+
+bool isAddress(const std::string& text) {
+    asio::error_code error;
+    static_cast<void>(asio::ip::make_address_v4(text, error));
+    return !error;
+}
+
+}  // namespace
+
+RequestGuard::RequestGuard(std::string host, std::string token)
+    : _host(std::move(host)), _token(std::move(token)) {}
+
+bool RequestGuard::isForUs(const HttpRequest& request) const {
+    // Who follows a link from elsewhere to the page itself does no harm.
+    const std::string site = request.header("sec-fetch-site");
+    const bool isFromElsewhere = !site.empty() && site != "same-origin" && site != "none";
+    // The port may be another one where somebody passes connections on, as ssh does.
+    const std::string host = request.header("host");
+    return _isOurHost(host.substr(0, host.rfind(':'))) && (!isFromElsewhere || request.path == "/");
+}
+
+bool RequestGuard::isByThePage(const HttpRequest& request) const {
+    return request.header(TOKEN_HEADER) == _token;
+}
+
+/// Under an address nobody else's page is found, so that any is good where all are served.
+bool RequestGuard::_isOurHost(const std::string& host) const {
+    return host == "127.0.0.1" || host == "localhost" || host == _host ||
+           (_host == ANY_ADDRESS && isAddress(host));
+}
+
+}  // namespace sim

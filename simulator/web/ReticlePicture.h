@@ -1,0 +1,17 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "simulator/device/ReticleList.h"
+
+namespace sim {
+
+/// The data of a reticle with the user's colour in the place of each "user_color".
+/// \param root directory of the shared storage
+/// \throws std::runtime_error, with a text for people, where there is no such reticle or file, or the
+///         picture would be too large to be looked at.
+[[nodiscard]] std::string reticlePicture(const ReticleList& list, const std::filesystem::path& root,
+                                         int index);
+
+}  // namespace sim

@@ -1,0 +1,212 @@
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "tests/browser/HostilePicture.h"
+#include "tests/browser/LiveChromium.h"
+#include "tests/support/Patience.h"
+#include "tests/system/Daemon.h"
+#include "tests/system/Process.h"
+#include "tests/system/Reticlectl.h"
+#include "tests/system/Simulator.h"
+#include "tests/system/SystemTest.h"
+
+namespace {
+
+constexpr auto BENCH_PAGE = "http://127.0.0.1:8090/";
+constexpr auto IS_LIVE = "document.getElementById('link').dataset.state === 'live'";
+
+constexpr auto HOSTILE_NAMES = R"json([{"reticles":[
+{"index":0,"name":"\"><img src=x onerror=\"document.title='owned'\">","data":"hostile.svg","userColor":"red","isDeletable":true,"isActive":true},
+{"index":1,"name":"<script>document.title='owned'</script>","data":"colour.svg","userColor":"url(/picture/0)\" onload=\"document.title='owned'","isDeletable":true,"isActive":false},
+{"index":2,"name":"</title><svg onload=\"document.title='owned'\">","data":"text","userColor":"red;background:url(//evil.example)","isDeletable":true,"isActive":false}]}])json";
+
+std::string textOf(const std::string& selector) {
+    return "document.querySelector('" + selector + "').textContent";
+}
+
+/// Simulator, service, and a reader who looks at the page.
+class BenchPageTest : public SystemTest {
+protected:
+    void start() {
+        simulator.emplace(std::vector<std::string>{"--web", "8090"});
+        service.emplace();
+        service->waitUntilListening();
+        browser.emplace();
+        browser->open(BENCH_PAGE);
+        ASSERT_TRUE(browser->sees(IS_LIVE));
+    }
+
+    /// Waits until the eyepiece shows the colour.
+    [[nodiscard]] bool eyepieceShows(Rgb colour) {
+        return eventually(
+            [this, colour] { return browser->screenshot("#eyepiece").count(colour) > 0; });
+    }
+
+    std::optional<Simulator> simulator;
+    std::optional<Daemon> service;
+    std::optional<LiveChromium> browser;
+};
+
+TEST_F(BenchPageTest, ShowsWhatAClientDoes) {
+    constexpr Rgb GREEN{0x00, 0xC8, 0x53};
+    start();
+    EXPECT_TRUE(browser->sees(textOf("#active-name") + " === 'Duplex'"));
+    EXPECT_EQ(browser->screenshot("#eyepiece").count(GREEN), 0U);
+    ASSERT_EQ(Reticlectl::run({"activate", "2"}).status, Reticlectl::DONE);
+    EXPECT_TRUE(browser->sees(textOf("#active-name") + " === 'MOA Grid'"));
+    EXPECT_TRUE(browser->sees(textOf(".reticle.active h3") + " === 'MOA Grid'"));
+    EXPECT_TRUE(eyepieceShows(GREEN));
+    // The list that follows each change is the latest exchange.
+    EXPECT_TRUE(browser->sees("document.querySelectorAll('.exchange.good').length === 2"));
+    EXPECT_EQ(browser->evaluate(textOf(".exchange:first-child b")), "GET_RETICLES");
+    EXPECT_EQ(browser->evaluate(textOf(".exchange:first-child pre:nth-of-type(2)")),
+              R"([{"param":"reticle_list.json","ret_val":0}])");
+    EXPECT_EQ(browser->evaluate(textOf(".exchange:nth-child(2) b")), "SET_ACTIVE_RETICLE");
+    EXPECT_EQ(browser->evaluate(textOf(".exchange:nth-child(2) .files") +
+                                ".startsWith('wrote reticle_list.json, ')"),
+              "true");
+}
+
+TEST_F(BenchPageTest, FaultArmedByAClickSpoilsTheNextExchange) {
+    start();
+    static_cast<void>(browser->evaluate(
+        "document.getElementById('fault-kind').value = 'refuse';"
+        "document.getElementById('fault-kind').dispatchEvent(new Event('change'))"));
+    browser->click("#fault-form [type=submit]");
+    EXPECT_TRUE(browser->sees(textOf("#armed") + ".startsWith('refuse:5@')"));
+
+    EXPECT_EQ(Reticlectl::run({"list"}).status, Reticlectl::REFUSED);
+    EXPECT_TRUE(browser->sees(textOf(".exchange.spoiled .tag") + ".startsWith('refuse:5')"));
+    EXPECT_EQ(Reticlectl::run({"list"}).status, Reticlectl::DONE);
+    EXPECT_TRUE(browser->sees("document.querySelectorAll('.exchange.good').length === 1"));
+}
+
+TEST_F(BenchPageTest, TheDevicesUserActsFromThePage) {
+    start();
+    ASSERT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 8"));
+    browser->click(".reticle:nth-child(8) .buttons button:last-child");
+    static_cast<void>(
+        browser->evaluate("document.getElementById('edit-name').value = 'Mine'; "
+                          "document.getElementById('edit-colour').value = '#2f9bff'"));
+    browser->click("#edit-form [value=save]");
+    EXPECT_TRUE(browser->sees(textOf(".reticle:nth-child(8) h3") + " === 'Mine'"));
+    EXPECT_TRUE(browser->sees(textOf(".reticle:nth-child(8) .colour") + " === '#2f9bff'"));
+    browser->click(".reticle:nth-child(8) .buttons button:last-child");
+    browser->click("#delete");
+    EXPECT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 7"));
+    browser->click("#reset");
+    browser->click("#resetting-form [value=reset]");
+    EXPECT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 8"));
+    EXPECT_EQ(Reticlectl::run({"list"}).table().find("Mine"), std::string::npos);
+}
+
+TEST_F(BenchPageTest, ADeviceThatRestartsGoesAwayAndComesBack) {
+    start();
+    static_cast<void>(
+        browser->evaluate("window.states = [];"
+                          "new MutationObserver(() => states.push(document.getElementById('link')"
+                          ".dataset.state)).observe(document.getElementById('link'),"
+                          "{attributes: true})"));
+    browser->click("#restart-form [type=submit]");
+    EXPECT_TRUE(browser->sees("states.includes('down') && " + std::string(IS_LIVE)));
+}
+
+TEST_F(BenchPageTest, APageWhoseSimulatorIsGoneSaysSoAndGoesOnWithTheNext) {
+    start();
+    simulator->kill();
+    EXPECT_TRUE(browser->sees("document.getElementById('link').dataset.state === 'gone'"));
+    EXPECT_EQ(browser->evaluate(textOf("#link")), "No simulator – trying again");
+    simulator.emplace(std::vector<std::string>{"--web", "8090"});
+    EXPECT_TRUE(browser->sees(IS_LIVE));
+    ASSERT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 8"));
+    // With the new one's token.
+    browser->click(".reticle:nth-child(4) .buttons button");
+    EXPECT_TRUE(browser->sees(textOf("#active-name") + " === 'BDC 7.62 mm'"));
+}
+
+TEST_F(BenchPageTest, HostileNamesColoursAndDataDoNothing) {
+    flash.write("reticle/hostile.svg", HOSTILE);
+    flash.write("reticle/colour.svg",
+                R"(<svg viewBox="0 0 9 9"><path fill="user_color" d="M0 0h9v9z"/></svg>)");
+    flash.write("reticle/text", "<script>document.title='owned'</script>");
+    flash.write("reticle_list.json", HOSTILE_NAMES);
+    start();
+    EXPECT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 3"));
+    EXPECT_EQ(browser->evaluate(textOf("#active-name")),
+              R"("><img src=x onerror="document.title='owned'">)");
+    EXPECT_EQ(browser->evaluate(textOf(".reticle:nth-child(2) h3")),
+              "<script>document.title='owned'</script>");
+    EXPECT_TRUE(browser->sees(textOf(".reticle:nth-child(3) .ground p") +
+                              " === 'Its data are no picture.'"));
+    EXPECT_TRUE(eyepieceShows(HARMLESS_COLOUR));
+    const Screenshot page = browser->screenshot("body");
+    EXPECT_EQ(page.count(SCRIPT_COLOUR), 0U);
+    EXPECT_EQ(page.count(LOADED_COLOUR), 0U);
+    EXPECT_EQ(browser->evaluate("document.title"), "Simulated device");
+    EXPECT_EQ(browser->evaluate("document.scripts.length"), "1");
+
+    // By itself, too, where a browser would run what is in it.
+    browser->open(std::string(BENCH_PAGE) + "picture/0");
+    EXPECT_TRUE(
+        browser->sees("document.getElementById('run') !== null && "
+                      "document.readyState === 'complete'"));
+    for (const char* part : {"run", "loaded"}) {
+        EXPECT_EQ(browser->evaluate(std::string("document.getElementById('") + part +
+                                    "').getAttribute('fill')"),
+                  "#02fe01");
+    }
+}
+
+TEST_F(BenchPageTest, FitsATelephoneAndAWideScreen) {
+    start();
+    ASSERT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 8"));
+    for (const int width : {360, 1000, 1920}) {
+        browser->resize(width, 900);
+        EXPECT_TRUE(browser->sees("innerWidth === " + std::to_string(width) +
+                                  " && document.documentElement.scrollWidth <= innerWidth"))
+            << width << ": " << browser->evaluate("document.documentElement.scrollWidth");
+    }
+}
+
+TEST_F(BenchPageTest, WorksByKeyboard) {
+    constexpr int TAB = 9;
+    constexpr int ENTER = 13;
+    constexpr int TABS_TO_THE_SECOND_CARD = 30;
+    start();
+    ASSERT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 8"));
+    const std::string isThere =
+        "document.activeElement === document.querySelector('.reticle:nth-child(2) button')";
+    for (int tabs = 0; tabs < TABS_TO_THE_SECOND_CARD && browser->evaluate(isThere) != "true";
+         ++tabs) {
+        browser->press("Tab", TAB);
+    }
+    ASSERT_EQ(browser->evaluate(isThere), "true");
+    browser->press("Enter", ENTER, "\r");
+    EXPECT_TRUE(browser->sees(textOf("#active-name") + " === 'Mil-Dot'"));
+}
+
+TEST_F(BenchPageTest, FollowsTheDemoThatIsKept) {
+    // The demo wants a storage of its own.
+    std::filesystem::remove_all("/tmp/FL0");
+    Process demo({PROJECT_SOURCE_DIRECTORY "/scripts/demo", "--keep"});
+    ASSERT_TRUE(eventually([&demo] {
+        return demo.standardOutput().find("Ctrl-C stops") != std::string::npos ||
+               !demo.child().isAlive();
+    })) << demo.standardOutput();
+    const std::string output = demo.standardOutput();
+    const std::size_t address = output.find("http://127.0.0.1:");
+    ASSERT_NE(address, std::string::npos) << output << demo.standardError();
+    browser.emplace();
+    browser->open(output.substr(address, output.find('\n', address) - address));
+    ASSERT_TRUE(browser->sees(IS_LIVE));
+    ASSERT_EQ(Reticlectl::run({"activate", "2"}).status, Reticlectl::DONE);
+    EXPECT_TRUE(browser->sees(textOf("#active-name") + " === 'MOA Grid'"));
+    demo.child().kill(SIGINT);
+    EXPECT_TRUE(demo.waitForEnd());
+}
+
+}  // namespace
