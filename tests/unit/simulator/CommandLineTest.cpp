@@ -44,7 +44,7 @@ Parsed parse(const std::vector<std::string>& arguments) {
     return parsed;
 }
 
-TEST(CommandLine, hasDefaultsForEverything) {
+TEST(CommandLine, HasDefaultsForEverything) {
     const Parsed parsed = parse({});
     ASSERT_TRUE(parsed.options);
     EXPECT_EQ(parsed.options->root, "/tmp/FL0");
@@ -58,7 +58,7 @@ TEST(CommandLine, hasDefaultsForEverything) {
     EXPECT_EQ(parsed.exitStatus, NOT_SET);
 }
 
-TEST(CommandLine, readsEveryOption) {
+TEST(CommandLine, ReadsEveryOption) {
     const Parsed parsed = parse({"--root", "/tmp/x", "--port=0", "--max-reticles", "5",
                                  "--max-bytes", "1", "--reset", "--verbose", "--fault",
                                  "delay:10@2", "--fault", "silent", "--web", "192.168.1.7:80"});
@@ -76,18 +76,18 @@ TEST(CommandLine, readsEveryOption) {
                 ElementsAre(Fault{FaultKind::DELAY, 10, 2}, Fault{FaultKind::SILENT, 0, {}}));
 }
 
-TEST(CommandLine, readsWhatToDoWithSessions) {
+TEST(CommandLine, ReadsWhatToDoWithSessions) {
     EXPECT_EQ(parse({"--record", "a", "--fault", "silent"}).options->recordFile, "a");
     EXPECT_EQ(parse({"--replay", "b", "--root", "r"}).options->replayFile, "b");
     EXPECT_EQ(parse({"--from-log", "c"}).options->fromLogFile, "c");
 }
 
-TEST(CommandLine, readsWhereCommandsComeFrom) {
+TEST(CommandLine, ReadsWhereCommandsComeFrom) {
     EXPECT_EQ(parse({"--control", "s"}).options->controlPath, "s");
     EXPECT_EQ(parse({"--control", "s", "--replay", "b"}).options->controlPath, "s");
 }
 
-TEST(CommandLine, readsCommandsForARunningSimulator) {
+TEST(CommandLine, ReadsCommandsForARunningSimulator) {
     EXPECT_TRUE(parse({}).options->command.empty());
     const Parsed parsed = parse({"ctl", "s", "color", "3", "[a, b]"});
     ASSERT_TRUE(parsed.options) << parsed.err;
@@ -99,7 +99,7 @@ TEST(CommandLine, readsCommandsForARunningSimulator) {
                 ElementsAre("rename", "3", "--help"));
 }
 
-TEST(CommandLine, refusesCommandsThatCannotBe) {
+TEST(CommandLine, RefusesCommandsThatCannotBe) {
     for (const auto& [arguments, complaint] :
          std::vector<std::pair<std::vector<std::string>, std::string>>{
              {{"ctl"}, "PATH is required"},
@@ -114,13 +114,13 @@ TEST(CommandLine, refusesCommandsThatCannotBe) {
     }
 }
 
-TEST(CommandLine, printsHelpForEveryCommand) {
+TEST(CommandLine, PrintsHelpForEveryCommand) {
     const Parsed parsed = parse({"ctl", "--help"});
     EXPECT_EQ(parsed.exitStatus, 0);
     EXPECT_THAT(parsed.out, HasSubstr(commandHelp()));
 }
 
-TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
+TEST(CommandLine, RefusesMistakesWithStatus2AndTheReason) {
     const std::vector<std::pair<std::vector<std::string>, std::string>> mistakes = {
         {{"--fault", "bang"}, "no fault is called 'bang'"},
         {{"--fault", "silent", "close"}, "close"},
@@ -157,7 +157,7 @@ TEST(CommandLine, refusesMistakesWithStatus2AndTheReason) {
     }
 }
 
-TEST(CommandLine, printsHelpForEveryOptionAndFault) {
+TEST(CommandLine, PrintsHelpForEveryOptionAndFault) {
     const Parsed parsed = parse({"--help"});
     EXPECT_FALSE(parsed.options);
     EXPECT_EQ(parsed.exitStatus, 0);
@@ -171,7 +171,7 @@ TEST(CommandLine, printsHelpForEveryOptionAndFault) {
     EXPECT_THAT(parsed.out, Not(HasSubstr("Excludes")));
 }
 
-TEST(CommandLine, printsTheVersion) {
+TEST(CommandLine, PrintsTheVersion) {
     const Parsed parsed = parse({"--version"});
     EXPECT_FALSE(parsed.options);
     EXPECT_EQ(parsed.exitStatus, 0);

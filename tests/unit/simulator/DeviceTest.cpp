@@ -70,7 +70,7 @@ protected:
     Device _device{_storage, LIMITS};
 };
 
-TEST_F(DeviceTest, startsWithTheFactorySet) {
+TEST_F(DeviceTest, StartsWithTheFactorySet) {
     EXPECT_EQ(_device.reticles(), factoryReticles());
     EXPECT_EQ(_root.read("reticle_list.json"), listText(factoryReticles()));
     for (const auto& [name, text] : factoryReticleTexts()) {
@@ -78,14 +78,14 @@ TEST_F(DeviceTest, startsWithTheFactorySet) {
     }
 }
 
-TEST_F(DeviceTest, namesTheListFile) {
+TEST_F(DeviceTest, NamesTheListFile) {
     const Answer answer = _device.answer(parseJson(R"([{"msg_id":76,"param_get":""}])"));
     EXPECT_EQ(answer.retVal, 0);
     EXPECT_EQ(answer.listFile, "reticle_list.json");
     EXPECT_EQ(answerText(answer), R"([{"param":"reticle_list.json","ret_val":0}])");
 }
 
-TEST_F(DeviceTest, activatesOneReticleAndNoOther) {
+TEST_F(DeviceTest, ActivatesOneReticleAndNoOther) {
     EXPECT_EQ(activate(3), 0);
     for (const Reticle& reticle : _device.reticles()) {
         EXPECT_EQ(reticle.isActive, reticle.index == 3);
@@ -93,34 +93,34 @@ TEST_F(DeviceTest, activatesOneReticleAndNoOther) {
     EXPECT_EQ(afterRestart(), _device.reticles());
 }
 
-TEST_F(DeviceTest, activatesNoReticleThatIsNotThere) {
+TEST_F(DeviceTest, ActivatesNoReticleThatIsNotThere) {
     for (const int index : {-1, 8, 1000}) {
         EXPECT_EQ(activate(index), 5) << index;
     }
     EXPECT_TRUE(reticle(0).isActive);
 }
 
-TEST_F(DeviceTest, addsAReticleOfTheUsersOwn) {
+TEST_F(DeviceTest, AddsAReticleOfTheUsersOwn) {
     EXPECT_EQ(add("Mine", "<svg stroke=\\\"user_color\\\"/>"), 0);
     EXPECT_EQ(reticle(FIRST_FREE), (Reticle{8, "Mine", "user-0", "red", true, false}));
     EXPECT_EQ(data(FIRST_FREE), "<svg stroke=\\\"user_color\\\"/>");
     EXPECT_EQ(afterRestart(), _device.reticles());
 }
 
-TEST_F(DeviceTest, keepsTheDataOfAnAdditionAfterTheServiceRemovedItsFile) {
+TEST_F(DeviceTest, KeepsTheDataOfAnAdditionAfterTheServiceRemovedItsFile) {
     ASSERT_EQ(add("Mine", "mine"), 0);
     fs::remove(_root.path() / "new_reticle_data0");
     EXPECT_EQ(data(FIRST_FREE), "mine");
 }
 
-TEST_F(DeviceTest, addsReticlesWithNamesOfAllKinds) {
+TEST_F(DeviceTest, AddsReticlesWithNamesOfAllKinds) {
     EXPECT_EQ(add("", ""), 0);
     EXPECT_EQ(add(R"(\u0000\"ü\u00fc\n)", "x"), 0);
     EXPECT_EQ(reticle(9).name, std::string("\0\"üü\n", 7));
     EXPECT_EQ(afterRestart(), _device.reticles());
 }
 
-TEST_F(DeviceTest, givesTheLowestFreeIndex) {
+TEST_F(DeviceTest, GivesTheLowestFreeIndex) {
     EXPECT_EQ(add("A", "a"), 0);
     EXPECT_EQ(add("B", "b"), 0);
     EXPECT_EQ(remove(CHEVRON), 0);
@@ -134,7 +134,7 @@ TEST_F(DeviceTest, givesTheLowestFreeIndex) {
     EXPECT_EQ(afterRestart(), _device.reticles());
 }
 
-TEST_F(DeviceTest, addsNoMoreThanItHolds) {
+TEST_F(DeviceTest, AddsNoMoreThanItHolds) {
     ASSERT_EQ(add("A", "a"), 0);
     ASSERT_EQ(add("B", "b"), 0);
     const ReticleList full = _device.reticles();
@@ -146,7 +146,7 @@ TEST_F(DeviceTest, addsNoMoreThanItHolds) {
     EXPECT_EQ(add("C", "c"), 0);
 }
 
-TEST_F(DeviceTest, storesNoMoreBytesThanItHolds) {
+TEST_F(DeviceTest, StoresNoMoreBytesThanItHolds) {
     const std::string most(LIMITS.bytes - _storage.bytesOf(factoryReticles()), 'x');
     const std::vector<std::string> files = _root.reticleFiles();
     EXPECT_EQ(add("A", most), 6) << "its entry in the list is left out of account";
@@ -162,7 +162,7 @@ TEST_F(DeviceTest, storesNoMoreBytesThanItHolds) {
     EXPECT_EQ(add("B", std::string(1'000, 'x')), 0);
 }
 
-TEST_F(DeviceTest, startsWithNoMoreThanItHolds) {
+TEST_F(DeviceTest, StartsWithNoMoreThanItHolds) {
     const auto complaint = [this](const Limits& limits) {
         try {
             Device(_storage, limits);
@@ -181,7 +181,7 @@ TEST_F(DeviceTest, startsWithNoMoreThanItHolds) {
                                             std::to_string(held - 1));
 }
 
-TEST_F(DeviceTest, updatesNameAndDataAndNothingElse) {
+TEST_F(DeviceTest, UpdatesNameAndDataAndNothingElse) {
     EXPECT_EQ(update(2, "Grid", "grid"), 0);
     EXPECT_EQ(reticle(2), (Reticle{2, "Grid", "user-0", "#00c853", false, false}));
     EXPECT_EQ(data(2), "grid");
@@ -189,13 +189,13 @@ TEST_F(DeviceTest, updatesNameAndDataAndNothingElse) {
     EXPECT_EQ(afterRestart(), _device.reticles());
 }
 
-TEST_F(DeviceTest, updatesTheActiveReticle) {
+TEST_F(DeviceTest, UpdatesTheActiveReticle) {
     EXPECT_EQ(update(0, "Cross", "cross"), 0);
     EXPECT_TRUE(reticle(0).isActive);
     EXPECT_EQ(data(0), "cross");
 }
 
-TEST_F(DeviceTest, updatesAgainAndAgainWithoutLeavingFiles) {
+TEST_F(DeviceTest, UpdatesAgainAndAgainWithoutLeavingFiles) {
     const std::size_t files = _root.reticleFiles().size();
     for (const char* text : {"1", "2", "3"}) {
         EXPECT_EQ(update(CHEVRON, "C", text), 0);
@@ -204,13 +204,13 @@ TEST_F(DeviceTest, updatesAgainAndAgainWithoutLeavingFiles) {
     }
 }
 
-TEST_F(DeviceTest, updatesNoReticleThatIsNotThere) {
+TEST_F(DeviceTest, UpdatesNoReticleThatIsNotThere) {
     EXPECT_EQ(update(8, "X", "x"), 5);
     EXPECT_EQ(update(-1, "X", "x"), 5);
     EXPECT_EQ(_device.reticles(), factoryReticles());
 }
 
-TEST_F(DeviceTest, deletesAReticleWithItsFile) {
+TEST_F(DeviceTest, DeletesAReticleWithItsFile) {
     EXPECT_EQ(remove(CHEVRON), 0);
     EXPECT_EQ(reticle(CHEVRON).index, -1);
     EXPECT_THAT(_root.reticleFiles(), Not(Contains("factory-chevron.svg")));
@@ -218,21 +218,21 @@ TEST_F(DeviceTest, deletesAReticleWithItsFile) {
     EXPECT_EQ(afterRestart(), _device.reticles());
 }
 
-TEST_F(DeviceTest, deletesNoFactoryReticle) {
+TEST_F(DeviceTest, DeletesNoFactoryReticle) {
     EXPECT_EQ(remove(1), 7);
     ASSERT_EQ(activate(1), 0);
     EXPECT_EQ(remove(0), 7);
     EXPECT_EQ(_device.reticles().size(), factoryReticles().size());
 }
 
-TEST_F(DeviceTest, deletesTheActiveReticleOnlyWhenItIsActiveNoMore) {
+TEST_F(DeviceTest, DeletesTheActiveReticleOnlyWhenItIsActiveNoMore) {
     ASSERT_EQ(activate(CHEVRON), 0);
     EXPECT_EQ(remove(CHEVRON), 7);
     ASSERT_EQ(activate(0), 0);
     EXPECT_EQ(remove(CHEVRON), 0);
 }
 
-TEST_F(DeviceTest, refusesDataThatIsNotThere) {
+TEST_F(DeviceTest, RefusesDataThatIsNotThere) {
     for (const char* name : {"a:/missing", "a:/../etc/passwd", "/etc/passwd", "", "a:/reticle"}) {
         const std::string parameters =
             R"(,"param2_name":"X","param3_data":")" + std::string(name) + R"("}])";
@@ -242,7 +242,7 @@ TEST_F(DeviceTest, refusesDataThatIsNotThere) {
     EXPECT_EQ(_device.reticles(), factoryReticles());
 }
 
-TEST_F(DeviceTest, refusesMessagesThatMakeNoSense) {
+TEST_F(DeviceTest, RefusesMessagesThatMakeNoSense) {
     for (const char* request :
          {"[]",
           "{}",
@@ -271,7 +271,7 @@ TEST_F(DeviceTest, refusesMessagesThatMakeNoSense) {
     EXPECT_EQ(_device.reticles(), factoryReticles());
 }
 
-TEST_F(DeviceTest, saysWhyItRefuses) {
+TEST_F(DeviceTest, SaysWhyItRefuses) {
     const auto reason = [this](const char* request) {
         return _device.answer(parseJson(request)).reason;
     };
@@ -283,7 +283,7 @@ TEST_F(DeviceTest, saysWhyItRefuses) {
               "\"a:/gone\" names no file inside the root");
 }
 
-TEST_F(DeviceTest, changesNothingWhenTheStorageFails) {
+TEST_F(DeviceTest, ChangesNothingWhenTheStorageFails) {
     fs::create_directory(_root.path() / "reticle_list.json.aside");
     EXPECT_THROW(activate(3), std::runtime_error);
     EXPECT_THROW(remove(CHEVRON), std::runtime_error);
@@ -294,7 +294,7 @@ TEST_F(DeviceTest, changesNothingWhenTheStorageFails) {
     EXPECT_EQ(afterRestart(), factoryReticles());
 }
 
-TEST_F(DeviceTest, goesBackToTheFactorySet) {
+TEST_F(DeviceTest, GoesBackToTheFactorySet) {
     ASSERT_EQ(update(0, "Cross", "cross"), 0);
     ASSERT_EQ(add("Mine", "mine"), 0);
     ASSERT_EQ(activate(FIRST_FREE), 0);
@@ -306,7 +306,7 @@ TEST_F(DeviceTest, goesBackToTheFactorySet) {
               factoryReticleTexts().at("factory-duplex.svg"));
 }
 
-TEST_F(DeviceTest, cleansUpAtItsStart) {
+TEST_F(DeviceTest, CleansUpAtItsStart) {
     _root.write("reticle/user-5", "left by a kill between data and list");
     _root.write("reticle/user-6.aside", "left by a kill amid the data");
     EXPECT_EQ(afterRestart(), factoryReticles());

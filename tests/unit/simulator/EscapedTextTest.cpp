@@ -8,7 +8,7 @@
 namespace sim {
 namespace {
 
-TEST(EscapedText, plainTextIsWhatPeopleSee) {
+TEST(EscapedText, PlainTextIsWhatPeopleSee) {
     EXPECT_TRUE(isPlainText(""));
     EXPECT_TRUE(isPlainText("<svg>\n\t\\x \"ü☂𝔄\"\n"));
     for (const std::string text : {"\r\n", "\x07", "\x7f", "\xff", "\xc3", "\xe2\x98", "\x80",
@@ -20,11 +20,11 @@ TEST(EscapedText, plainTextIsWhatPeopleSee) {
     EXPECT_FALSE(isPlainText(std::string(1, '\0')));
 }
 
-TEST(EscapedText, escapesWhatPeopleDoNotSee) {
+TEST(EscapedText, EscapesWhatPeopleDoNotSee) {
     EXPECT_EQ(escaped(std::string("a\\b\r\n\t\0\xff\x7f~", 10)), "a\\\\b\\r\n\t\\x00\\xff\\x7f~");
 }
 
-TEST(EscapedText, takesBackEveryByte) {
+TEST(EscapedText, TakesBackEveryByte) {
     std::string all;
     for (int byte = 0; byte < 256; ++byte) {
         all += static_cast<char>(byte);
@@ -33,7 +33,7 @@ TEST(EscapedText, takesBackEveryByte) {
     EXPECT_EQ(unescaped("\\xFF\\xff"), "\xff\xff");
 }
 
-TEST(EscapedText, refusesWhatIsNoEscape) {
+TEST(EscapedText, RefusesWhatIsNoEscape) {
     for (const char* text : {"\\", "\\n", "\\x", "\\x1", "\\xg0", "\\x0g", "\\x-1"}) {
         EXPECT_THROW((void)unescaped(text), std::runtime_error) << text;
     }

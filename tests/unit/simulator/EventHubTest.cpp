@@ -13,7 +13,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds AT_ONCE{0};
 constexpr std::chrono::minutes LONG{1};
 
-TEST(EventHub, handsEachEventToEveryBrowserInItsOrder) {
+TEST(EventHub, HandsEachEventToEveryBrowserInItsOrder) {
     EventHub hub;
     const EventHub::Seat one = hub.join();
     const EventHub::Seat other = hub.join();
@@ -27,7 +27,7 @@ TEST(EventHub, handsEachEventToEveryBrowserInItsOrder) {
     }
 }
 
-TEST(EventHub, aBrowserWaitsForAnEvent) {
+TEST(EventHub, ABrowserWaitsForAnEvent) {
     EventHub hub;
     const EventHub::Seat seat = hub.join();
     std::thread publisher([&hub] { hub.publish("late"); });
@@ -35,7 +35,7 @@ TEST(EventHub, aBrowserWaitsForAnEvent) {
     publisher.join();
 }
 
-TEST(EventHub, whoComesLateGetsTheLatest) {
+TEST(EventHub, WhoComesLateGetsTheLatest) {
     EventHub hub;
     for (std::size_t number = 1; number <= EventHub::KEPT_EVENTS + 5; ++number) {
         hub.publish(std::to_string(number));
@@ -47,7 +47,7 @@ TEST(EventHub, whoComesLateGetsTheLatest) {
     EXPECT_EQ(seat.queue->pop(AT_ONCE), std::nullopt);
 }
 
-TEST(EventHub, keepsNoMoreBytesThanItMay) {
+TEST(EventHub, KeepsNoMoreBytesThanItMay) {
     EventHub hub;
     hub.publish(std::string(EventHub::KEPT_BYTES, 'x'));
     hub.publish("short");
@@ -56,7 +56,7 @@ TEST(EventHub, keepsNoMoreBytesThanItMay) {
     EXPECT_TRUE(hub.join().past.empty());
 }
 
-TEST(EventHub, hasSeatsForSomeBrowsersAndForMoreWhenTheseLeave) {
+TEST(EventHub, HasSeatsForSomeBrowsersAndForMoreWhenTheseLeave) {
     EventHub hub;
     std::vector<EventHub::Seat> seats;
     for (std::size_t number = 0; number < EventHub::MAX_BROWSERS; ++number) {
@@ -68,7 +68,7 @@ TEST(EventHub, hasSeatsForSomeBrowsersAndForMoreWhenTheseLeave) {
     EXPECT_NE(hub.join().queue, nullptr);
 }
 
-TEST(EventHub, leavesABrowserThatLagsAndNoOther) {
+TEST(EventHub, LeavesABrowserThatLagsAndNoOther) {
     EventHub hub;
     const EventHub::Seat lagging = hub.join();
     const EventHub::Seat quick = hub.join();
@@ -82,7 +82,7 @@ TEST(EventHub, leavesABrowserThatLagsAndNoOther) {
     EXPECT_FALSE(quick.queue->hasEnded());
 }
 
-TEST(EventHub, leavesABrowserForWhichTooManyBytesWait) {
+TEST(EventHub, LeavesABrowserForWhichTooManyBytesWait) {
     EventHub hub;
     const EventHub::Seat seat = hub.join();
     hub.publish(std::string(EventQueue::MAX_BYTES, 'x'));
@@ -91,7 +91,7 @@ TEST(EventHub, leavesABrowserForWhichTooManyBytesWait) {
     EXPECT_TRUE(seat.queue->hasEnded());
 }
 
-TEST(EventHub, itsEndReachesThoseWhoWaitAndThoseWhoCome) {
+TEST(EventHub, ItsEndReachesThoseWhoWaitAndThoseWhoCome) {
     EventHub hub;
     const EventHub::Seat seat = hub.join();
     std::thread ender([&hub] { hub.end(); });

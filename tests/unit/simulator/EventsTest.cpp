@@ -58,7 +58,7 @@ Answered spoiled() {
     return answered;
 }
 
-TEST(EventJson, tellsOfExchanges) {
+TEST(EventJson, TellsOfExchanges) {
     EXPECT_EQ(
         jsonOf(Received{3, ADD}),
         R"({"event":17,"exchange":3,"kind":"received","message":"ADD_RETICLE",)"
@@ -73,7 +73,7 @@ TEST(EventJson, tellsOfExchanges) {
               R"("time":"2026-11-22T00:10:00.007Z"})");
 }
 
-TEST(EventJson, tellsOfTheState) {
+TEST(EventJson, TellsOfTheState) {
     EXPECT_EQ(jsonOf(FileChange{"reticle/user-0", 5}),
               R"({"bytes":5,"event":17,"file":"reticle/user-0","kind":"written",)"
               R"("time":"2026-11-22T00:10:00.007Z"})");
@@ -94,7 +94,7 @@ TEST(EventJson, tellsOfTheState) {
               R"({"event":17,"kind":"up","time":"2026-11-22T00:10:00.007Z"})");
 }
 
-TEST(EventJson, cutsLongTextsBetweenCharacters) {
+TEST(EventJson, CutsLongTextsBetweenCharacters) {
     std::string request(1998, 'x');
     request += "€ and more";
     EXPECT_NE(jsonOf(Received{1, request}).find("xx... (2010 bytes)\""), std::string::npos);
@@ -102,7 +102,7 @@ TEST(EventJson, cutsLongTextsBetweenCharacters) {
     EXPECT_NE(jsonOf(Received{1, request}).find("xx\\\\xe2... (2011 bytes)\""), std::string::npos);
 }
 
-TEST(EventText, tellsOfExchangesOnOneLine) {
+TEST(EventText, TellsOfExchangesOnOneLine) {
     EXPECT_EQ(
         textOf(Received{3, ADD}),
         R"(exchange 3: received ADD_RETICLE: [{"msg_id":78,"param2_name":"A","param3_data":"a:/n"}])");
@@ -119,7 +119,7 @@ TEST(EventText, tellsOfExchangesOnOneLine) {
     EXPECT_EQ(textOf(silent), "exchange 3: spoiled by close: nothing, then FIN");
 }
 
-TEST(EventText, tellsOfTheState) {
+TEST(EventText, TellsOfTheState) {
     EXPECT_EQ(textOf(FileChange{"reticle/user-0", 5}), "written reticle/user-0, 5 bytes");
     EXPECT_EQ(textOf(FileChange{"a", {}}), "removed a");
     EXPECT_EQ(textOf(Changed{RETICLES, true}), "changed by the user: 2 reticles, active 4");
@@ -130,7 +130,7 @@ TEST(EventText, tellsOfTheState) {
     EXPECT_EQ(textOf(PowerSwitched{true}), "up: connections are taken");
 }
 
-TEST(EventPrinter, printsOnlyWhatMakesNoSenseUnlessVerbose) {
+TEST(EventPrinter, PrintsOnlyWhatMakesNoSenseUnlessVerbose) {
     std::ostringstream output;
     EventPrinter printer(output, false);
     printer.print(atTenPast(Received{3, "?"}));
@@ -147,7 +147,7 @@ TEST(EventPrinter, printsOnlyWhatMakesNoSenseUnlessVerbose) {
               "the request: ?\n");
 }
 
-TEST(ObservedDevice, publishesEachExchangeBeforeAndAfterIt) {
+TEST(ObservedDevice, PublishesEachExchangeBeforeAndAfterIt) {
     EventStream events;
     std::vector<std::string> told;
     events.subscribe([&told](const Event& event) { told.push_back(eventText(event).substr(25)); });

@@ -27,21 +27,21 @@ std::vector<std::string> valuesOf(const std::string& attribute, const std::strin
     return values;
 }
 
-TEST(FactoryReticles, eachHasItsTextAndEachTextItsReticle) {
+TEST(FactoryReticles, EachHasItsTextAndEachTextItsReticle) {
     EXPECT_EQ(factoryReticles().size(), factoryReticleTexts().size());
     for (const Reticle& reticle : factoryReticles()) {
         EXPECT_TRUE(factoryReticleTexts().contains(reticle.fileName)) << reticle.fileName;
     }
 }
 
-TEST(FactoryReticles, areNumberedWithoutGaps) {
+TEST(FactoryReticles, AreNumberedWithoutGaps) {
     int index = 0;
     for (const Reticle& reticle : factoryReticles()) {
         EXPECT_EQ(reticle.index, index++);
     }
 }
 
-TEST(FactoryReticles, holdOneActiveAndOneDeletableReticle) {
+TEST(FactoryReticles, HoldOneActiveAndOneDeletableReticle) {
     const ReticleList& list = factoryReticles();
     EXPECT_EQ(std::count_if(list.begin(), list.end(), [](const auto& r) { return r.isActive; }), 1);
     EXPECT_EQ(std::count_if(list.begin(), list.end(), [](const auto& r) { return r.isDeletable; }),
@@ -50,7 +50,7 @@ TEST(FactoryReticles, holdOneActiveAndOneDeletableReticle) {
     EXPECT_TRUE(list.back().isDeletable);
 }
 
-TEST(FactoryReticles, areSelfContainedPicturesInTheUsersColour) {
+TEST(FactoryReticles, AreSelfContainedPicturesInTheUsersColour) {
     for (const auto& [name, view] : factoryReticleTexts()) {
         const std::string text(view);
         EXPECT_TRUE(text.starts_with("<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\""))
@@ -66,7 +66,7 @@ TEST(FactoryReticles, areSelfContainedPicturesInTheUsersColour) {
     }
 }
 
-TEST(FactoryReticles, sayTheirUnit) {
+TEST(FactoryReticles, SayTheirUnit) {
     for (const auto& [name, text] : factoryReticleTexts()) {
         EXPECT_TRUE(text.find("Unit: 1 milliradian") != std::string::npos ||
                     text.find("Unit: 1 minute of angle (MOA)") != std::string::npos)

@@ -20,7 +20,7 @@ void expectRefused(const std::string& text, const std::string& complaint) {
     }
 }
 
-TEST(Fault, isReadWithEachKind) {
+TEST(Fault, IsReadWithEachKind) {
     EXPECT_EQ(parseFault("refuse:7"), (Fault{FaultKind::REFUSE, 7, {}}));
     EXPECT_EQ(parseFault("no-param"), (Fault{FaultKind::NO_PARAM, 0, {}}));
     EXPECT_EQ(parseFault("bad-list"), (Fault{FaultKind::BAD_LIST, 0, {}}));
@@ -35,13 +35,13 @@ TEST(Fault, isReadWithEachKind) {
     EXPECT_EQ(parseFault("reset"), (Fault{FaultKind::RESET, 0, {}}));
 }
 
-TEST(Fault, isReadWithItsExchange) {
+TEST(Fault, IsReadWithItsExchange) {
     EXPECT_EQ(parseFault("delay:0@12"), (Fault{FaultKind::DELAY, 0, 12}));
     EXPECT_EQ(parseFault("silent@1"), (Fault{FaultKind::SILENT, 0, 1}));
     EXPECT_EQ(parseFault("refuse:-3@2"), (Fault{FaultKind::REFUSE, -3, 2}));
 }
 
-TEST(Fault, hitsItsExchangeOrEveryOne) {
+TEST(Fault, HitsItsExchangeOrEveryOne) {
     EXPECT_TRUE(parseFault("silent@2").hits(2));
     EXPECT_FALSE(parseFault("silent@2").hits(1));
     EXPECT_FALSE(parseFault("silent@2").hits(3));
@@ -49,7 +49,7 @@ TEST(Fault, hitsItsExchangeOrEveryOne) {
     EXPECT_TRUE(parseFault("silent").hits(1000));
 }
 
-TEST(Fault, isRefusedWithTheReason) {
+TEST(Fault, IsRefusedWithTheReason) {
     expectRefused("", "no fault is called ''");
     expectRefused("Silent", "no fault is called 'Silent'");
     expectRefused("silent:1", "silent takes no argument");
@@ -67,7 +67,7 @@ TEST(Fault, isRefusedWithTheReason) {
     expectRefused("@1", "no fault is called ''");
 }
 
-TEST(Fault, helpDescribesEachKind) {
+TEST(Fault, HelpDescribesEachKind) {
     for (const char* head :
          {"refuse:CODE", "no-param", "bad-list", "empty-list", "missing-file", "long", "garbage",
           "split:MS", "delay:MS", "silent", "close", "reset"}) {

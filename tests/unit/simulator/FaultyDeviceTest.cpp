@@ -53,14 +53,14 @@ void expectPlain(const Delivery& delivery, const std::string& bytes) {
     EXPECT_EQ(delivery.end, Delivery::End::KEEP_OPEN);
 }
 
-TEST_F(FaultyDeviceTest, answersPlainlyWithoutFaults) {
+TEST_F(FaultyDeviceTest, AnswersPlainlyWithoutFaults) {
     FaultyDevice device = withFaults({});
     expectPlain(device.exchange(LIST), LISTED);
     expectPlain(device.exchange(ACTIVATE_3), DONE);
     EXPECT_TRUE(isActive(3));
 }
 
-TEST_F(FaultyDeviceTest, answersMalformedRequestsAndSaysWhy) {
+TEST_F(FaultyDeviceTest, AnswersMalformedRequestsAndSaysWhy) {
     FaultyDevice device = withFaults({});
     const Delivery answer = device.exchange("hello");
     expectPlain(answer, NOT_UNDERSTOOD);
@@ -69,7 +69,7 @@ TEST_F(FaultyDeviceTest, answersMalformedRequestsAndSaysWhy) {
     EXPECT_EQ(device.exchange(R"([{"msg_id":75}])").reason, "unknown \"msg_id\" 75");
 }
 
-TEST_F(FaultyDeviceTest, answersWhatTheStorageFails) {
+TEST_F(FaultyDeviceTest, AnswersWhatTheStorageFails) {
     std::filesystem::create_directory(_root.path() / "reticle_list.json.aside");
     FaultyDevice device = withFaults({});
     const Delivery answer = device.exchange(ACTIVATE_3);
@@ -78,13 +78,13 @@ TEST_F(FaultyDeviceTest, answersWhatTheStorageFails) {
     EXPECT_FALSE(isActive(3));
 }
 
-TEST_F(FaultyDeviceTest, namesTheFaultsThatSpoiledTheAnswer) {
+TEST_F(FaultyDeviceTest, NamesTheFaultsThatSpoiledTheAnswer) {
     FaultyDevice device = withFaults({"reset@2", "bad-list", "delay:7", "silent@3"});
     EXPECT_THAT(device.exchange(ACTIVATE_3).faults, ElementsAre("delay:7"));
     EXPECT_THAT(device.exchange(LIST).faults, ElementsAre("bad-list", "delay:7", "reset"));
 }
 
-TEST_F(FaultyDeviceTest, keepsOnlyFaultsThatAreStillToCome) {
+TEST_F(FaultyDeviceTest, KeepsOnlyFaultsThatAreStillToCome) {
     FaultyDevice device = withFaults({"silent@1", "delay:7", "close@2"});
     (void)device.exchange(LIST);
     EXPECT_THAT(faultTexts(device.faults()), ElementsAre("delay:7", "close@2"));
@@ -95,7 +95,7 @@ TEST_F(FaultyDeviceTest, keepsOnlyFaultsThatAreStillToCome) {
     expectPlain(device.exchange(LIST), LISTED);
 }
 
-TEST_F(FaultyDeviceTest, countsExchangesOfAllKinds) {
+TEST_F(FaultyDeviceTest, CountsExchangesOfAllKinds) {
     FaultyDevice device = withFaults({"silent@3"});
     expectPlain(device.exchange("?"), NOT_UNDERSTOOD);
     expectPlain(device.exchange(ACTIVATE_3), DONE);
@@ -103,20 +103,20 @@ TEST_F(FaultyDeviceTest, countsExchangesOfAllKinds) {
     expectPlain(device.exchange(LIST), LISTED);
 }
 
-TEST_F(FaultyDeviceTest, hitsEveryExchangeWithoutANumber) {
+TEST_F(FaultyDeviceTest, HitsEveryExchangeWithoutANumber) {
     FaultyDevice device = withFaults({"silent"});
     expectPlain(device.exchange(LIST), "");
     expectPlain(device.exchange(LIST), "");
 }
 
-TEST_F(FaultyDeviceTest, refusesWithoutCarryingOut) {
+TEST_F(FaultyDeviceTest, RefusesWithoutCarryingOut) {
     FaultyDevice device = withFaults({"refuse:42@1"});
     expectPlain(device.exchange(ACTIVATE_3), R"([{"ret_val":42}])");
     EXPECT_FALSE(isActive(3));
     expectPlain(device.exchange(ACTIVATE_3), DONE);
 }
 
-TEST_F(FaultyDeviceTest, carriesOutWhatItsAnswerDoesNotSay) {
+TEST_F(FaultyDeviceTest, CarriesOutWhatItsAnswerDoesNotSay) {
     for (const char* fault :
          {"silent", "close", "reset", "garbage", "long", "split:1", "delay:1", "no-param"}) {
         FaultyDevice device = withFaults({fault});
@@ -127,7 +127,7 @@ TEST_F(FaultyDeviceTest, carriesOutWhatItsAnswerDoesNotSay) {
     }
 }
 
-TEST_F(FaultyDeviceTest, spoilsHowTheAnswerTravels) {
+TEST_F(FaultyDeviceTest, SpoilsHowTheAnswerTravels) {
     EXPECT_EQ(withFaults({"delay:5000"}).exchange(LIST).delay.count(), 5000);
     EXPECT_EQ(withFaults({"split:20"}).exchange(LIST).gap, std::chrono::milliseconds(20));
     EXPECT_THAT(withFaults({"close"}).exchange(LIST).bytes, IsEmpty());
@@ -137,27 +137,27 @@ TEST_F(FaultyDeviceTest, spoilsHowTheAnswerTravels) {
     expectPlain(withFaults({"garbage"}).exchange(LIST), "}garbage{\xff\xfe");
 }
 
-TEST_F(FaultyDeviceTest, makesALongAnswerThatIsGoodJson) {
+TEST_F(FaultyDeviceTest, MakesALongAnswerThatIsGoodJson) {
     const std::string head = R"([{"param":"reticle_list.json","ret_val":0})";
     expectPlain(withFaults({"long"}).exchange(LIST),
                 head + std::string(1536 - head.size() - 1, ' ') + "]");
 }
 
-TEST_F(FaultyDeviceTest, leavesTheListFileOut) {
+TEST_F(FaultyDeviceTest, LeavesTheListFileOut) {
     expectPlain(withFaults({"no-param"}).exchange(LIST), DONE);
 }
 
-TEST_F(FaultyDeviceTest, showsAListThatIsNotJson) {
+TEST_F(FaultyDeviceTest, ShowsAListThatIsNotJson) {
     expectPlain(withFaults({"bad-list"}).exchange(LIST), FAULTY_LISTED);
     EXPECT_EQ(_root.read("faulty_list.json"), "no list of reticles\n");
 }
 
-TEST_F(FaultyDeviceTest, showsAnEmptyList) {
+TEST_F(FaultyDeviceTest, ShowsAnEmptyList) {
     expectPlain(withFaults({"empty-list"}).exchange(LIST), FAULTY_LISTED);
     EXPECT_EQ(parseListText(_root.read("faulty_list.json")), ReticleList());
 }
 
-TEST_F(FaultyDeviceTest, showsAListWithAFileThatIsMissing) {
+TEST_F(FaultyDeviceTest, ShowsAListWithAFileThatIsMissing) {
     expectPlain(withFaults({"missing-file"}).exchange(LIST), FAULTY_LISTED);
     ReticleList expected = factoryReticles();
     expected[0].fileName = "missing-file";
@@ -165,7 +165,7 @@ TEST_F(FaultyDeviceTest, showsAListWithAFileThatIsMissing) {
     EXPECT_FALSE(_root.has("reticle/missing-file"));
 }
 
-TEST_F(FaultyDeviceTest, spoilsListsOnlyForTheMoment) {
+TEST_F(FaultyDeviceTest, SpoilsListsOnlyForTheMoment) {
     FaultyDevice device = withFaults({"bad-list@1", "empty-list@2", "missing-file@3"});
     for (int exchange = 1; exchange <= 3; ++exchange) {
         expectPlain(device.exchange(LIST), FAULTY_LISTED);
@@ -174,13 +174,13 @@ TEST_F(FaultyDeviceTest, spoilsListsOnlyForTheMoment) {
     EXPECT_EQ(parseListText(_root.read("reticle_list.json")), factoryReticles());
 }
 
-TEST_F(FaultyDeviceTest, spoilsNoOtherAnswersWithListFaults) {
+TEST_F(FaultyDeviceTest, SpoilsNoOtherAnswersWithListFaults) {
     for (const char* fault : {"no-param", "bad-list", "empty-list", "missing-file"}) {
         expectPlain(withFaults({fault}).exchange(ACTIVATE_3), DONE);
     }
 }
 
-TEST_F(FaultyDeviceTest, addsFaultsUpWhateverTheirOrder) {
+TEST_F(FaultyDeviceTest, AddsFaultsUpWhateverTheirOrder) {
     const Delivery delivery = withFaults({"close", "delay:5", "garbage", "long"}).exchange(LIST);
     EXPECT_THAT(delivery.bytes, IsEmpty());
     EXPECT_EQ(delivery.delay.count(), 5);

@@ -10,7 +10,7 @@
 namespace sim {
 namespace {
 
-TEST(Files, readsWhatItHasReplaced) {
+TEST(Files, ReadsWhatItHasReplaced) {
     const test::TemporaryRoot root;
     const std::string text("\0\r\n\xff", 4);
     replaceFile(root.path() / "file", "before");
@@ -21,13 +21,13 @@ TEST(Files, readsWhatItHasReplaced) {
     EXPECT_EQ(readFile(root.path() / "file"), "");
 }
 
-TEST(Files, readsOnlyRegularFiles) {
+TEST(Files, ReadsOnlyRegularFiles) {
     const test::TemporaryRoot root;
     EXPECT_EQ(readFile(root.path() / "missing"), std::nullopt);
     EXPECT_EQ(readFile(root.path()), std::nullopt);
 }
 
-TEST(Files, namesStayInside) {
+TEST(Files, NamesStayInside) {
     for (const std::string name : {"a", "a/b", "..a", "a..", "./a"}) {
         EXPECT_TRUE(staysInside(name)) << name;
     }

@@ -9,18 +9,18 @@
 namespace sim {
 namespace {
 
-TEST(JsonText, refusesWhatIsNotOneWholeText) {
+TEST(JsonText, RefusesWhatIsNotOneWholeText) {
     for (const char* text :
          {"", "hello", "[", "[1,]", "[1] [2]", R"({"a"})", "1", "[1] // one", R"({"a":1,"a":2})"}) {
         EXPECT_THROW((void)parseJson(text), std::runtime_error) << text;
     }
 }
 
-TEST(JsonText, refusesDeepNestingInsteadOfDyingOfIt) {
+TEST(JsonText, RefusesDeepNestingInsteadOfDyingOfIt) {
     EXPECT_THROW((void)parseJson(std::string(1'000'000, '[')), std::runtime_error);
 }
 
-TEST(JsonText, complainsOnOneLine) {
+TEST(JsonText, ComplainsOnOneLine) {
     try {
         (void)parseJson("[\n1\n2]");
         FAIL();
@@ -30,7 +30,7 @@ TEST(JsonText, complainsOnOneLine) {
     }
 }
 
-TEST(JsonText, keepsBytesThatAreNotAscii) {
+TEST(JsonText, KeepsBytesThatAreNotAscii) {
     EXPECT_EQ(compactJson(Json::Value("Fadenkreuz \xc3\xbc")), "\"Fadenkreuz \xc3\xbc\"");
 }
 

@@ -29,7 +29,7 @@ void expectRecord(const LogRecord& record, Kind kind, std::size_t line, const st
     EXPECT_EQ(record.text, text);
 }
 
-TEST(LogReader, readsWhatConcernsARequest) {
+TEST(LogReader, ReadsWhatConcernsARequest) {
     const auto records = recordsOf(R"(total cnt = 32
 json is true, length = 29
 PacketsHandler::_handlerRoutine, json req: {"a":
@@ -60,7 +60,7 @@ _handlerRoutine, exception: why
     expectRecord(records[5], Kind::FAILURE, 20, "why");
 }
 
-TEST(LogReader, keepsLinesOfTheErrorStreamOutOfATextAndGivesThemAfterIt) {
+TEST(LogReader, KeepsLinesOfTheErrorStreamOutOfATextAndGivesThemAfterIt) {
     const auto records = recordsOf(R"(handleJsReq, response: {
 json value: 0
 	"result" :
@@ -76,7 +76,7 @@ _handlerRoutine, exception: why
     expectRecord(records[2], Kind::FAILURE, 6, "why");
 }
 
-TEST(LogReader, leavesOutTextsThatBreakOff) {
+TEST(LogReader, LeavesOutTextsThatBreakOff) {
     const auto records = recordsOf(R"("result" : "the tail of a reply that was cut"
 }
 handleJsReq, response: {
@@ -88,7 +88,7 @@ handleJsReq, response: {
     expectRecord(records[0], Kind::RTOS_ANSWER, 5, "5");
 }
 
-TEST(LogReader, refusesTextsThatWereCut) {
+TEST(LogReader, RefusesTextsThatWereCut) {
     for (const char* log : {"handleJsReq, response: {\n\t\"res ... (43 bytes)\n",
                             "total cnt = 32\nhandleJsReq, response:  ... (43 bytes)\n"}) {
         try {
@@ -101,14 +101,14 @@ TEST(LogReader, refusesTextsThatWereCut) {
     }
 }
 
-TEST(LogReader, takesTextsForWholeThatOnlyLookCut) {
+TEST(LogReader, TakesTextsForWholeThatOnlyLookCut) {
     EXPECT_EQ(recordsOf("send_and_get: recv json: [\" ... (29 bytes)\"]\n"
                         "_handlerRoutine, exception: ... (x bytes)\n")
                   .size(),
               2U);
 }
 
-TEST(LogReader, readsJournals) {
+TEST(LogReader, ReadsJournals) {
     const std::string prefix = "Nov  1 11:22:32 sight reticled-foreground[1234]: ";
     const auto records = recordsOf(prefix + "handleJsReq, response: {\n" + prefix +
                                    "\t\"result\" : \"OK\"\n" + prefix + "}\n");

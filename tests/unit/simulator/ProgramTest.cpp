@@ -70,7 +70,7 @@ protected:
     test::TemporaryRoot _root;
 };
 
-TEST_F(ProgramTest, saysWhereItListensAndAnswersThere) {
+TEST_F(ProgramTest, SaysWhereItListensAndAnswersThere) {
     Process program(command());
     const std::uint16_t port = portOf(program);
     EXPECT_EQ(LoopbackClient(port).exchange(LIST), LISTED);
@@ -81,14 +81,14 @@ TEST_F(ProgramTest, saysWhereItListensAndAnswersThere) {
     EXPECT_EQ(program.standardError(), "");
 }
 
-TEST_F(ProgramTest, endsWithStatus0OnCtrlC) {
+TEST_F(ProgramTest, EndsWithStatus0OnCtrlC) {
     Process program(command());
     LoopbackClient connected(portOf(program));
     program.child().kill(SIGINT);
     EXPECT_EQ(program.waitForEnd(), 0);
 }
 
-TEST_F(ProgramTest, saysThatItsPortIsTakenAndTouchesNoState) {
+TEST_F(ProgramTest, SaysThatItsPortIsTakenAndTouchesNoState) {
     Process first(command());
     const std::uint16_t port = portOf(first);
     _root.write("reticle/user-7", "at work");
@@ -100,7 +100,7 @@ TEST_F(ProgramTest, saysThatItsPortIsTakenAndTouchesNoState) {
     EXPECT_TRUE(_root.has("reticle/user-7"));
 }
 
-TEST_F(ProgramTest, saysThatItCannotReadItsState) {
+TEST_F(ProgramTest, SaysThatItCannotReadItsState) {
     _root.write("reticle_list.json", "[");
     Process damaged(command());
     EXPECT_EQ(damaged.waitForEnd(), 1);
@@ -110,7 +110,7 @@ TEST_F(ProgramTest, saysThatItCannotReadItsState) {
     EXPECT_EQ(LoopbackClient(portOf(restored)).exchange(LIST), LISTED);
 }
 
-TEST_F(ProgramTest, printsEventsOnStandardErrorWhenVerbose) {
+TEST_F(ProgramTest, PrintsEventsOnStandardErrorWhenVerbose) {
     Process program(command({"--verbose", "--fault", "refuse:6@1"}));
     EXPECT_EQ(LoopbackClient(portOf(program)).exchange(LIST), R"([{"ret_val":6}])");
     program.child().kill(SIGTERM);
@@ -123,7 +123,7 @@ TEST_F(ProgramTest, printsEventsOnStandardErrorWhenVerbose) {
               "rtos-sim: TIME #3 exchange 1: spoiled by refuse:6: [{\"ret_val\":6}]\n");
 }
 
-TEST_F(ProgramTest, keepsItsStateOverARestartUntilReset) {
+TEST_F(ProgramTest, KeepsItsStateOverARestartUntilReset) {
     _root.write("new_reticle_data0", "mine");
     {
         Process program(command());
@@ -214,11 +214,11 @@ protected:
     const std::string _socket = (_root.path() / "control.sock").string();
 };
 
-TEST_F(KilledProgramTest, leavesWhatTheServiceHadChanged) {
+TEST_F(KilledProgramTest, LeavesWhatTheServiceHadChanged) {
     killOften(changeUntilGone, 40, 5'000);
 }
 
-TEST_F(KilledProgramTest, leavesWhatTheUserHadChanged) {
+TEST_F(KilledProgramTest, LeavesWhatTheUserHadChanged) {
     killOften([this](std::uint16_t /*port*/) { controlUntilGone(_socket); }, 60, 15'000);
 }
 

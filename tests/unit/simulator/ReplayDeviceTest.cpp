@@ -26,7 +26,7 @@ protected:
     Session _session;
 };
 
-TEST_F(ReplayDeviceTest, answersInTheSessionsOrder) {
+TEST_F(ReplayDeviceTest, AnswersInTheSessionsOrder) {
     _session.exchanges[1].answer.end = Delivery::End::RESET;
     ReplayDevice device(_session, _root.path());
     EXPECT_EQ(device.exchange("one").bytes, "1");
@@ -38,7 +38,7 @@ TEST_F(ReplayDeviceTest, answersInTheSessionsOrder) {
     EXPECT_EQ(device.difference(), "");
 }
 
-TEST_F(ReplayDeviceTest, writesFilesWithTheAnswerAndNotBefore) {
+TEST_F(ReplayDeviceTest, WritesFilesWithTheAnswerAndNotBefore) {
     _session.exchanges[1].files = {{"lists/a.json", "[]"}, {"reticle/dot", std::string("\0", 1)}};
     ReplayDevice device(_session, _root.path());
     (void)device.exchange("one");
@@ -48,7 +48,7 @@ TEST_F(ReplayDeviceTest, writesFilesWithTheAnswerAndNotBefore) {
     EXPECT_EQ(_root.read("reticle/dot"), std::string("\0", 1));
 }
 
-TEST_F(ReplayDeviceTest, namesTheFirstDifferenceAndEndsTheConnection) {
+TEST_F(ReplayDeviceTest, NamesTheFirstDifferenceAndEndsTheConnection) {
     ReplayDevice device(_session, _root.path());
     (void)device.exchange("one");
     const Delivery refusal = device.exchange("two\nlanes\x01");
@@ -63,7 +63,7 @@ TEST_F(ReplayDeviceTest, namesTheFirstDifferenceAndEndsTheConnection) {
     EXPECT_FALSE(device.isComplete());
 }
 
-TEST_F(ReplayDeviceTest, namesWhereARequestBreaksOff) {
+TEST_F(ReplayDeviceTest, NamesWhereARequestBreaksOff) {
     ReplayDevice device(_session, _root.path());
     (void)device.exchange("one");
     (void)device.exchange("two\n");
@@ -72,7 +72,7 @@ TEST_F(ReplayDeviceTest, namesWhereARequestBreaksOff) {
               "expected: lines\ngot:      ");
 }
 
-TEST_F(ReplayDeviceTest, wantsTheNewDataOfTheService) {
+TEST_F(ReplayDeviceTest, WantsTheNewDataOfTheService) {
     _session.exchanges[0].newData = {{"new_reticle_data0", "mine"}};
     ReplayDevice missing(_session, _root.path());
     EXPECT_EQ(missing.exchange("one").bytes, "");
@@ -89,7 +89,7 @@ TEST_F(ReplayDeviceTest, wantsTheNewDataOfTheService) {
     EXPECT_EQ(same.exchange("one").bytes, "1");
 }
 
-TEST_F(ReplayDeviceTest, takesNothingBeyondTheSession) {
+TEST_F(ReplayDeviceTest, TakesNothingBeyondTheSession) {
     ReplayDevice device(_session, _root.path());
     EXPECT_EQ(device.expectation(),
               "exchange 1 (line 0 of the session): the request does not come\none");
@@ -99,7 +99,7 @@ TEST_F(ReplayDeviceTest, takesNothingBeyondTheSession) {
     EXPECT_EQ(device.difference(), "after all 2 exchanges: a request that is not expected\nthree");
 }
 
-TEST_F(ReplayDeviceTest, saysThatAFileCannotBeWritten) {
+TEST_F(ReplayDeviceTest, SaysThatAFileCannotBeWritten) {
     _session.exchanges[0].files = {{"list.json", "[]"}};
     ReplayDevice device(_session, _root.path());
     std::filesystem::create_directory(_root.path() / "list.json.aside");

@@ -45,7 +45,7 @@ using Names = std::vector<std::string>;
 
 const Names OWN_NAMES = {"reticle/replayed-0", "reticle/replayed-1", "list.json"};
 
-TEST(ReplyFiles, makesTheFilesThatGiveTheReply) {
+TEST(ReplyFiles, MakesTheFilesThatGiveTheReply) {
     const std::vector<SessionFile> files =
         replyFiles(REPLY, "list.json", {FIRST_PATH, SECOND_PATH});
     EXPECT_EQ(files, (std::vector<SessionFile>{{"reticle/a.svg", "<a fill=\"red\"/>\u00fc"},
@@ -76,7 +76,7 @@ TEST(ReplyFiles, makesTheFilesThatGiveTheReply) {
 )"}}));
 }
 
-TEST(ReplyFiles, namesFilesItselfWhereTheLogDoesNotTellWhichIsWhich) {
+TEST(ReplyFiles, NamesFilesItselfWhereTheLogDoesNotTellWhichIsWhich) {
     EXPECT_EQ(namesOf(replyFiles(REPLY, "list.json", {})), OWN_NAMES);
     EXPECT_EQ(namesOf(replyFiles(REPLY, "list.json", {FIRST_PATH, FIRST_PATH})), OWN_NAMES);
     EXPECT_EQ(namesOf(replyFiles(REPLY, "list.json", {FIRST_PATH, SECOND_PATH, SECOND_PATH})),
@@ -85,11 +85,11 @@ TEST(ReplyFiles, namesFilesItselfWhereTheLogDoesNotTellWhichIsWhich) {
               OWN_NAMES);
 }
 
-TEST(ReplyFiles, makesAnEmptyListForNoReticles) {
+TEST(ReplyFiles, MakesAnEmptyListForNoReticles) {
     EXPECT_EQ(namesOf(replyFiles(R"({"result":"OK","reticles":null})", "l", {})), Names{"l"});
 }
 
-TEST(ReplyFiles, makesNothingWithoutAList) {
+TEST(ReplyFiles, MakesNothingWithoutAList) {
     EXPECT_TRUE(replyFiles(R"({"result":"OK"})", "l", {}).empty());
     EXPECT_TRUE(replyFiles("no reply", "l", {}).empty());
 }

@@ -10,14 +10,14 @@ HttpRequest get(const std::string& host, const std::string& path = "/events",
     return {"GET", path, {{"host", host}, {"sec-fetch-site", site}}, ""};
 }
 
-TEST(RequestGuard, takesLoopbackUnderAnyPort) {
+TEST(RequestGuard, TakesLoopbackUnderAnyPort) {
     const RequestGuard guard("127.0.0.1", "secret");
     EXPECT_TRUE(guard.isForUs(get("127.0.0.1:8080")));
     EXPECT_TRUE(guard.isForUs(get("localhost:9000")));
     EXPECT_TRUE(guard.isForUs(get("localhost")));
 }
 
-TEST(RequestGuard, refusesNamesAndOtherAddresses) {
+TEST(RequestGuard, RefusesNamesAndOtherAddresses) {
     const RequestGuard guard("127.0.0.1", "secret");
     for (const char* host : {"", "evil.example", "evil.example:8080", "127.0.0.1.evil.example:80",
                              "192.168.1.7:8080", "localhost:80:evil.example", "0.0.0.0:8080"}) {
@@ -27,20 +27,20 @@ TEST(RequestGuard, refusesNamesAndOtherAddresses) {
     EXPECT_FALSE(guard.isForUs({"GET", "/", {}, ""}));
 }
 
-TEST(RequestGuard, takesTheAddressThatIsServedAsWell) {
+TEST(RequestGuard, TakesTheAddressThatIsServedAsWell) {
     const RequestGuard guard("192.168.1.7", "secret");
     EXPECT_TRUE(guard.isForUs(get("192.168.1.7:8080")));
     EXPECT_TRUE(guard.isForUs(get("localhost:8080")));
     EXPECT_FALSE(guard.isForUs(get("192.168.1.8:8080")));
 }
 
-TEST(RequestGuard, takesAnyAddressButNoNameWhereAllAreServed) {
+TEST(RequestGuard, TakesAnyAddressButNoNameWhereAllAreServed) {
     const RequestGuard guard("0.0.0.0", "secret");
     EXPECT_TRUE(guard.isForUs(get("192.168.1.8:8080")));
     EXPECT_FALSE(guard.isForUs(get("evil.example:8080")));
 }
 
-TEST(RequestGuard, servesOtherPagesNothingButALinkToThePage) {
+TEST(RequestGuard, ServesOtherPagesNothingButALinkToThePage) {
     const RequestGuard guard("127.0.0.1", "secret");
     for (const char* site : {"cross-site", "same-site"}) {
         EXPECT_FALSE(guard.isForUs(get("127.0.0.1:8080", "/events", site))) << site;
@@ -50,7 +50,7 @@ TEST(RequestGuard, servesOtherPagesNothingButALinkToThePage) {
     EXPECT_TRUE(guard.isForUs(get("127.0.0.1:8080", "/picture/0", "none")));
 }
 
-TEST(RequestGuard, knowsThePageByItsToken) {
+TEST(RequestGuard, KnowsThePageByItsToken) {
     const RequestGuard guard("127.0.0.1", "secret");
     EXPECT_TRUE(guard.isByThePage({"POST", "/command", {{"x-rtos-sim-token", "secret"}}, ""}));
     EXPECT_FALSE(guard.isByThePage({"POST", "/command", {{"x-rtos-sim-token", "guess"}}, ""}));

@@ -10,7 +10,7 @@ namespace {
 
 constexpr const char* LIST = "[\n\t{\n\t\t\"msg_id\" : 76,\n\t\t\"param_get\" : \"\"\n\t}\n]";
 
-TEST(RequestSplitter, givesATextThatArrivesWhole) {
+TEST(RequestSplitter, GivesATextThatArrivesWhole) {
     RequestSplitter splitter;
     splitter.feed(LIST);
     EXPECT_EQ(splitter.next(), LIST);
@@ -18,7 +18,7 @@ TEST(RequestSplitter, givesATextThatArrivesWhole) {
     EXPECT_FALSE(splitter.isInsideText());
 }
 
-TEST(RequestSplitter, joinsATextThatArrivesByteForByte) {
+TEST(RequestSplitter, JoinsATextThatArrivesByteForByte) {
     const std::string text = R"([{"param2_name":"a ] } \" \\","x":[{}]}])";
     RequestSplitter splitter;
     for (std::size_t at = 0; at + 1 < text.size(); ++at) {
@@ -30,7 +30,7 @@ TEST(RequestSplitter, joinsATextThatArrivesByteForByte) {
     EXPECT_EQ(splitter.next(), text);
 }
 
-TEST(RequestSplitter, partsTextsThatArriveAtOnce) {
+TEST(RequestSplitter, PartsTextsThatArriveAtOnce) {
     RequestSplitter splitter;
     splitter.feed("[1]{\"a\":[]} \r\n\t[2][");
     EXPECT_EQ(splitter.next(), "[1]");
@@ -40,14 +40,14 @@ TEST(RequestSplitter, partsTextsThatArriveAtOnce) {
     EXPECT_TRUE(splitter.isInsideText());
 }
 
-TEST(RequestSplitter, skipsBlanksWithoutTakingThemForAText) {
+TEST(RequestSplitter, SkipsBlanksWithoutTakingThemForAText) {
     RequestSplitter splitter;
     splitter.feed(" \t\r\n");
     EXPECT_EQ(splitter.next(), std::nullopt);
     EXPECT_FALSE(splitter.isInsideText());
 }
 
-TEST(RequestSplitter, handsOutWhatBeginsNoText) {
+TEST(RequestSplitter, HandsOutWhatBeginsNoText) {
     RequestSplitter splitter;
     splitter.feed("hello [1]");
     EXPECT_EQ(splitter.next(), "hello [1]");
@@ -55,14 +55,14 @@ TEST(RequestSplitter, handsOutWhatBeginsNoText) {
     EXPECT_EQ(splitter.next(), "[2]");
 }
 
-TEST(RequestSplitter, takesBracketsInStringsForText) {
+TEST(RequestSplitter, TakesBracketsInStringsForText) {
     RequestSplitter splitter;
     splitter.feed(R"(["]"][3])");
     EXPECT_EQ(splitter.next(), R"(["]"])");
     EXPECT_EQ(splitter.next(), "[3]");
 }
 
-TEST(RequestSplitter, handsOutOneByteTooManyOfATextThatIsTooLong) {
+TEST(RequestSplitter, HandsOutOneByteTooManyOfATextThatIsTooLong) {
     constexpr std::size_t PIECES = 64;
     constexpr std::size_t MAX = RequestSplitter::MAX_REQUEST_BYTES;
     const std::string piece(MAX / PIECES, ']');
@@ -77,7 +77,7 @@ TEST(RequestSplitter, handsOutOneByteTooManyOfATextThatIsTooLong) {
     EXPECT_EQ(splitter.next(), "[2]");
 }
 
-TEST(RequestSplitter, handsOutTheLongestTextWhole) {
+TEST(RequestSplitter, HandsOutTheLongestTextWhole) {
     const std::string text =
         "[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES - 4, 'x') + "\"]";
     RequestSplitter splitter;

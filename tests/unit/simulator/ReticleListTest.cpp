@@ -47,30 +47,30 @@ std::string listWith(const std::string& entry) {
 constexpr const char* VALID_ENTRY =
     R"({"data":"f","index":1,"isActive":false,"isDeletable":false,"name":"n","userColor":"c"})";
 
-TEST(ReticleList, isWrittenAsAnArrayOfOneObject) {
+TEST(ReticleList, IsWrittenAsAnArrayOfOneObject) {
     EXPECT_EQ(listText(twoReticles()), TWO_RETICLES);
 }
 
-TEST(ReticleList, isWrittenWithAnArrayAlsoWhenEmpty) {
+TEST(ReticleList, IsWrittenWithAnArrayAlsoWhenEmpty) {
     EXPECT_EQ(listText({}), "[\n    {\n        \"reticles\" : []\n    }\n]\n");
 }
 
-TEST(ReticleList, isReadBackAsWritten) {
+TEST(ReticleList, IsReadBackAsWritten) {
     EXPECT_EQ(parseListText(TWO_RETICLES), twoReticles());
 }
 
-TEST(ReticleList, keepsNamesWithZeroBytes) {
+TEST(ReticleList, KeepsNamesWithZeroBytes) {
     ReticleList list = twoReticles();
     list[1].name = std::string("a\0b", 3);
     EXPECT_EQ(parseListText(listText(list)), list);
 }
 
-TEST(ReticleList, isPutInOrderWhenRead) {
+TEST(ReticleList, IsPutInOrderWhenRead) {
     ReticleList swapped = {twoReticles()[1], twoReticles()[0]};
     EXPECT_EQ(parseListText(listText(swapped)), twoReticles());
 }
 
-TEST(ReticleList, isRefusedInAnotherLayout) {
+TEST(ReticleList, IsRefusedInAnotherLayout) {
     ASSERT_EQ(parseListText(listWith(VALID_ENTRY)).size(), 1U);
     for (const char* text : {"", "null", "[]", "{}", "[1]", R"({"reticles":[]})", "[{}]",
                              R"([{"reticles":{}}])", R"([{"reticles":[]},{}])"}) {
@@ -78,7 +78,7 @@ TEST(ReticleList, isRefusedInAnotherLayout) {
     }
 }
 
-TEST(ReticleList, isRefusedWithAnEntryThatCannotBe) {
+TEST(ReticleList, IsRefusedWithAnEntryThatCannotBe) {
     const std::string valid = VALID_ENTRY;
     const auto with = [&valid](const std::string& part, const std::string& replacement) {
         std::string entry = valid;
@@ -99,14 +99,14 @@ TEST(ReticleList, isRefusedWithAnEntryThatCannotBe) {
     }
 }
 
-TEST(ReticleList, namesTheLowestFreeIndex) {
+TEST(ReticleList, NamesTheLowestFreeIndex) {
     EXPECT_EQ(lowestFreeIndex({}), 0);
     EXPECT_EQ(lowestFreeIndex({{0, "", "", "", false, false}, {1, "", "", "", false, false}}), 2);
     EXPECT_EQ(lowestFreeIndex({{0, "", "", "", false, false}, {2, "", "", "", false, false}}), 1);
     EXPECT_EQ(lowestFreeIndex({{4, "", "", "", false, false}}), 0);
 }
 
-TEST(ReticleList, findsAReticleByItsIndex) {
+TEST(ReticleList, FindsAReticleByItsIndex) {
     ReticleList list = twoReticles();
     EXPECT_EQ(findReticle(list, 3)->fileName, "user-0");
     EXPECT_EQ(findReticle(list, 1), list.end());

@@ -93,7 +93,7 @@ private:
     std::thread _thread;
 };
 
-TEST(Server, answersExchangeAfterExchangeInOnePieceEach) {
+TEST(Server, AnswersExchangeAfterExchangeInOnePieceEach) {
     const RunningSimulator simulator;
     LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange(LIST), LISTED);
@@ -101,7 +101,7 @@ TEST(Server, answersExchangeAfterExchangeInOnePieceEach) {
     EXPECT_EQ(client.exchange(LIST), LISTED);
 }
 
-TEST(Server, answersARequestThatArrivesInPieces) {
+TEST(Server, AnswersARequestThatArrivesInPieces) {
     const RunningSimulator simulator;
     LoopbackClient client(simulator.port());
     for (const char* character = LIST; *character != '\0'; ++character) {
@@ -110,7 +110,7 @@ TEST(Server, answersARequestThatArrivesInPieces) {
     EXPECT_EQ(client.receive(), LISTED);
 }
 
-TEST(Server, answersRequestsThatArriveAtOnceInTheirOrder) {
+TEST(Server, AnswersRequestsThatArriveAtOnceInTheirOrder) {
     const RunningSimulator simulator;
     LoopbackClient client(simulator.port());
     client.send(std::string(ACTIVATE_99) + "\n" + LIST + ACTIVATE_99);
@@ -122,7 +122,7 @@ TEST(Server, answersRequestsThatArriveAtOnceInTheirOrder) {
     EXPECT_EQ(received, expected);
 }
 
-TEST(Server, answersThousandsOfRequestsThatArriveAtOnce) {
+TEST(Server, AnswersThousandsOfRequestsThatArriveAtOnce) {
     constexpr std::size_t REQUESTS = 5'000;
     const RunningSimulator simulator;
     LoopbackClient client(simulator.port());
@@ -140,7 +140,7 @@ TEST(Server, answersThousandsOfRequestsThatArriveAtOnce) {
     sender.join();
 }
 
-TEST(Server, answersSeveralConnectionsAtATime) {
+TEST(Server, AnswersSeveralConnectionsAtATime) {
     const RunningSimulator simulator;
     LoopbackClient first(simulator.port());
     LoopbackClient second(simulator.port());
@@ -148,7 +148,7 @@ TEST(Server, answersSeveralConnectionsAtATime) {
     EXPECT_EQ(first.exchange(LIST), LISTED);
 }
 
-TEST(Server, goesOnAfterBytesThatAreNoRequest) {
+TEST(Server, GoesOnAfterBytesThatAreNoRequest) {
     const RunningSimulator simulator;
     LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange("hello"), NOT_UNDERSTOOD);
@@ -157,7 +157,7 @@ TEST(Server, goesOnAfterBytesThatAreNoRequest) {
     EXPECT_EQ(client.exchange(LIST), LISTED);
 }
 
-TEST(Server, takesANewConnectionWhenThePeerLeft) {
+TEST(Server, TakesANewConnectionWhenThePeerLeft) {
     RunningSimulator simulator;
     {
         LoopbackClient client(simulator.port());
@@ -168,7 +168,7 @@ TEST(Server, takesANewConnectionWhenThePeerLeft) {
     EXPECT_EQ(simulator.log(), "rtos-sim: the connection ended inside a request: End of file\n");
 }
 
-TEST(Server, refusesARequestThatIsTooLongAndGoesOn) {
+TEST(Server, RefusesARequestThatIsTooLongAndGoesOn) {
     RunningSimulator simulator;
     LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange("[\"" + std::string(RequestSplitter::MAX_REQUEST_BYTES, 'x') + "\"]"),
@@ -176,7 +176,7 @@ TEST(Server, refusesARequestThatIsTooLongAndGoesOn) {
     EXPECT_EQ(client.exchange(LIST), LISTED);
 }
 
-TEST(Server, takesARequestAsLongAsTheyGet) {
+TEST(Server, TakesARequestAsLongAsTheyGet) {
     const RunningSimulator simulator;
     LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange(R"([{"msg_id":77,"param":99,"x":")" +
@@ -184,7 +184,7 @@ TEST(Server, takesARequestAsLongAsTheyGet) {
               NOT_FOUND);
 }
 
-TEST(Server, delaysAnAnswer) {
+TEST(Server, DelaysAnAnswer) {
     const RunningSimulator simulator({{FaultKind::DELAY, 150, 1}});
     LoopbackClient client(simulator.port());
     const auto start = steady_clock::now();
@@ -192,20 +192,20 @@ TEST(Server, delaysAnAnswer) {
     EXPECT_GE(steady_clock::now() - start, milliseconds(150));
 }
 
-TEST(Server, keepsSilent) {
+TEST(Server, KeepsSilent) {
     const RunningSimulator simulator({{FaultKind::SILENT, 0, 1}});
     LoopbackClient client(simulator.port());
     client.send(ACTIVATE_99);
     EXPECT_EQ(client.exchange(LIST), LISTED);
 }
 
-TEST(Server, closesTheConnectionInsteadOfAnAnswer) {
+TEST(Server, ClosesTheConnectionInsteadOfAnAnswer) {
     const RunningSimulator simulator({{FaultKind::CLOSE, 0, 1}});
     EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), "");
     EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
 }
 
-TEST(Server, resetsTheConnectionInsteadOfAnAnswer) {
+TEST(Server, ResetsTheConnectionInsteadOfAnAnswer) {
     const RunningSimulator simulator({{FaultKind::RESET, 0, 1}});
     LoopbackClient client(simulator.port());
     try {
@@ -217,7 +217,7 @@ TEST(Server, resetsTheConnectionInsteadOfAnAnswer) {
     EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
 }
 
-TEST(Server, splitsAnAnswer) {
+TEST(Server, SplitsAnAnswer) {
     const RunningSimulator simulator({{FaultKind::SPLIT, 3000, 1}});
     LoopbackClient client(simulator.port());
     EXPECT_EQ(client.exchange(LIST), R"([{"param":"reticle_li)");
@@ -225,7 +225,7 @@ TEST(Server, splitsAnAnswer) {
     EXPECT_EQ(client.exchange(LIST), LISTED);
 }
 
-TEST(Server, sendsALongAnswerThatTheServiceCuts) {
+TEST(Server, SendsALongAnswerThatTheServiceCuts) {
     const RunningSimulator simulator({{FaultKind::LONG, 0, 1}});
     LoopbackClient client(simulator.port());
     const std::string first = client.exchange(LIST);
@@ -233,7 +233,7 @@ TEST(Server, sendsALongAnswerThatTheServiceCuts) {
     EXPECT_EQ(client.receive(), std::string(511, ' ') + "]");
 }
 
-TEST(Server, endsConnectionsAndTakesNewOnesAtARestart) {
+TEST(Server, EndsConnectionsAndTakesNewOnesAtARestart) {
     RunningSimulator simulator({{FaultKind::DELAY, 60'000, 2}});
     LoopbackClient idle(simulator.port());
     EXPECT_EQ(idle.exchange(LIST), LISTED);
@@ -247,7 +247,7 @@ TEST(Server, endsConnectionsAndTakesNewOnesAtARestart) {
     EXPECT_EQ(busy.receive(), "");
 }
 
-TEST(Server, takesNoConnectionWhileItIsDown) {
+TEST(Server, TakesNoConnectionWhileItIsDown) {
     RunningSimulator simulator;
     simulator.restart(std::chrono::hours(1), false);
     EXPECT_THROW(LoopbackClient(simulator.port()), std::system_error);
@@ -255,7 +255,7 @@ TEST(Server, takesNoConnectionWhileItIsDown) {
     EXPECT_EQ(LoopbackClient(simulator.port()).exchange(LIST), LISTED);
 }
 
-TEST(Server, comesBackWhenItsPortIsFreeAgain) {
+TEST(Server, ComesBackWhenItsPortIsFreeAgain) {
     RunningSimulator simulator;
     simulator.restart(std::chrono::hours(1), false);
     asio::io_context io;
@@ -275,7 +275,7 @@ TEST(Server, comesBackWhenItsPortIsFreeAgain) {
                                    std::to_string(simulator.port()) + ": Address already in use\n");
 }
 
-TEST(Server, throwsWhenThePortIsTaken) {
+TEST(Server, ThrowsWhenThePortIsTaken) {
     const RunningSimulator simulator;
     asio::io_context io;
     std::ostringstream log;

@@ -43,7 +43,7 @@ const std::string LIST_SENT = "client sends 29 bytes\n    {\"action\":\"RETICLES
 const std::string ACTIVATE_SENT =
     "client sends 41 bytes\n    {\"action\":\"RETICLE_SET_ACTIVE\",\"index\":3}\n";
 
-TEST(ServiceLog, putsTheRequestsThatAreNotLoggedBack) {
+TEST(ServiceLog, PutsTheRequestsThatAreNotLoggedBack) {
     const Converted converted =
         convert(ACTIVATE_LOG + "send_and_get: recv json: [{}]\nsend_and_get: recv json: []\n" +
                 "handleJsReq, response: {\n\t\"result\" : \"OK\",\n\t\"reticles\" : null\n}\n");
@@ -53,7 +53,7 @@ TEST(ServiceLog, putsTheRequestsThatAreNotLoggedBack) {
     EXPECT_EQ(converted.remarks, "");
 }
 
-TEST(ServiceLog, givesEachChangeTheDataOfItsReticle) {
+TEST(ServiceLog, GivesEachChangeTheDataOfItsReticle) {
     const std::string text =
         R"({"action":"RETICLES_ADD_OR_UPDATE","reticles":[{"name":"no data"},{"name":"A","data":"first"},{"name":"B","data":"second"}]})";
     const Converted converted = convert("PacketsHandler::_handlerRoutine, json req: " + text +
@@ -80,7 +80,7 @@ rtos answers 15 bytes
 )");
 }
 
-TEST(ServiceLog, tellsHowTheLinkFailed) {
+TEST(ServiceLog, TellsHowTheLinkFailed) {
     const auto failure = [](const std::string& errors) {
         return convert(LIST_LOG + errors).session.substr((LIST_SENT + LIST_REQUEST).size());
     };
@@ -98,7 +98,7 @@ TEST(ServiceLog, tellsHowTheLinkFailed) {
               "rtos closes\n");
 }
 
-TEST(ServiceLog, keepsRequestsThatFailBeforeTheDevice) {
+TEST(ServiceLog, KeepsRequestsThatFailBeforeTheDevice) {
     const Converted converted = convert(
         "PacketsHandler::_handlerRoutine, json req: 7\n"
         "_handlerRoutine, exception: in Json::Value::resolveReference(key, end): requires "
@@ -107,7 +107,7 @@ TEST(ServiceLog, keepsRequestsThatFailBeforeTheDevice) {
     EXPECT_EQ(converted.remarks, "");
 }
 
-TEST(ServiceLog, saysWhatItLeavesOut) {
+TEST(ServiceLog, SaysWhatItLeavesOut) {
     const Converted converted =
         convert(REPLY_LOG + "send_and_get: recv json: [{}]\n" + ACTIVATE_LOG +
                 "send_and_get: recv json: [{}]\n" + LIST_LOG +
@@ -120,7 +120,7 @@ TEST(ServiceLog, saysWhatItLeavesOut) {
               "line 14: left out, the log does not tell how this request ended\n");
 }
 
-TEST(ServiceLog, takesAnythingForALog) {
+TEST(ServiceLog, TakesAnythingForALog) {
     for (const std::string text : {"", "\n", "no log", "{", "[\n]\n", "\xff\r\n"}) {
         EXPECT_EQ(convert(text).session, "");
     }

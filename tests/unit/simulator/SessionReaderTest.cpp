@@ -54,7 +54,7 @@ client sends 1 bytes
     7
 )";
 
-TEST(SessionReader, readsEveryStep) {
+TEST(SessionReader, ReadsEveryStep) {
     const Session session = read(WHOLE);
     ASSERT_EQ(session.exchanges.size(), 3U);
     const Exchange& first = session.exchanges[0];
@@ -78,26 +78,26 @@ TEST(SessionReader, readsEveryStep) {
     EXPECT_EQ(session.clientRequests[1].exchangesBefore, 3U);
 }
 
-TEST(SessionReader, readsWhatTheWriterWrites) {
+TEST(SessionReader, ReadsWhatTheWriterWrites) {
     std::ostringstream output;
     SessionWriter(output).write(read(WHOLE));
     EXPECT_EQ(output.str(), WHOLE);
 }
 
-TEST(SessionReader, readsWhatPeopleWriteWithoutSizes) {
+TEST(SessionReader, ReadsWhatPeopleWriteWithoutSizes) {
     const Session session =
         read("# mine\n\nrtos-sim session 1\nrtos receives\n    x\nrtos answers\n    y\n");
     ASSERT_EQ(session.exchanges.size(), 1U);
     EXPECT_EQ(session.exchanges[0].answer.bytes, "y");
 }
 
-TEST(SessionReader, requiresItsHead) {
+TEST(SessionReader, RequiresItsHead) {
     for (const std::string text : {"", "rtos-sim session 2\n", "rtos receives\n    x\n"}) {
         EXPECT_THROW((void)read(text), std::runtime_error) << text;
     }
 }
 
-TEST(SessionReader, namesTheLineOfAMistake) {
+TEST(SessionReader, NamesTheLineOfAMistake) {
     const std::vector<std::pair<std::string, std::string>> mistakes = {
         {"rtos forgets\n", "line 2: \"rtos forgets\" is no step of a session"},
         {"rtos receives\n", "line 2: \"rtos receives\" has no text"},

@@ -32,11 +32,11 @@ protected:
     SessionRecorder _recorder{_root.path(), _session};
 };
 
-TEST_F(SessionRecorderTest, beginsWithTheHead) {
+TEST_F(SessionRecorderTest, BeginsWithTheHead) {
     EXPECT_EQ(_session.str(), "rtos-sim session 1\n");
 }
 
-TEST_F(SessionRecorderTest, recordsNewDataAndHowTheAnswerTravels) {
+TEST_F(SessionRecorderTest, RecordsNewDataAndHowTheAnswerTravels) {
     _root.write("new_reticle_data0", "<a/>");
     Delivery answer;
     answer.bytes = "[{}]";
@@ -49,7 +49,7 @@ TEST_F(SessionRecorderTest, recordsNewDataAndHowTheAnswerTravels) {
                                        "rtos closes\n");
 }
 
-TEST_F(SessionRecorderTest, recordsFilesWhenTheyAreNewOrChanged) {
+TEST_F(SessionRecorderTest, RecordsFilesWhenTheyAreNewOrChanged) {
     const std::string head = std::string("rtos receives 30 bytes\n    ") + LIST + "\n";
     const std::string tail = std::string("rtos answers 35 bytes\n    ") + LISTED + "\n";
     Delivery answer;

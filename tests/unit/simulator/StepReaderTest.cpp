@@ -30,7 +30,7 @@ std::string complaintAbout(const std::string& text) {
     return "none";
 }
 
-TEST(StepReader, readsInstructionsAndTexts) {
+TEST(StepReader, ReadsInstructionsAndTexts) {
     const std::vector<Step> steps =
         stepsOf("# comment\nfirst\n\nsecond\n    one\n    \n      two\n\nthird\n");
     ASSERT_EQ(steps.size(), 3U);
@@ -42,11 +42,11 @@ TEST(StepReader, readsInstructionsAndTexts) {
     EXPECT_EQ(steps[2].instruction, "third");
 }
 
-TEST(StepReader, emptyLinesWithinATextBelongToIt) {
+TEST(StepReader, EmptyLinesWithinATextBelongToIt) {
     EXPECT_EQ(stepsOf("step\n    a\n\n\n    b\n\n\n")[0].text, "a\n\n\nb");
 }
 
-TEST(StepReader, takesSizeAndCodingOffTheInstruction) {
+TEST(StepReader, TakesSizeAndCodingOffTheInstruction) {
     EXPECT_EQ(stepsOf("rtos answers 2 bytes\n    []\n")[0].instruction, "rtos answers");
     EXPECT_EQ(stepsOf("file a b, 2 bytes\n    []\n")[0].instruction, "file a b");
     EXPECT_EQ(stepsOf("file 5 bytes, 2 bytes\n    []\n")[0].instruction, "file 5 bytes");
@@ -56,12 +56,12 @@ TEST(StepReader, takesSizeAndCodingOffTheInstruction) {
     EXPECT_EQ(stepsOf("file bytes\n    []\n")[0].instruction, "file bytes");
 }
 
-TEST(StepReader, aSizeMakesAnEmptyText) {
+TEST(StepReader, ASizeMakesAnEmptyText) {
     EXPECT_EQ(stepsOf("file x, 0 bytes\n")[0].text, "");
     EXPECT_EQ(stepsOf("file x\n    \n")[0].text, "");
 }
 
-TEST(StepReader, namesTheLineOfAMistake) {
+TEST(StepReader, NamesTheLineOfAMistake) {
     EXPECT_EQ(complaintAbout("\n    text\n"), "line 2: this text belongs to no step");
     EXPECT_EQ(complaintAbout("ok\n# c\nstep 3 bytes\n    text\n"),
               "line 3: the text has 4 bytes, not 3");

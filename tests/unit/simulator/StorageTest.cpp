@@ -26,28 +26,28 @@ protected:
     ReticleList _list = {{0, "Mine", "user-0", "red", true, false}};
 };
 
-TEST_F(StorageTest, makesTheDirectoriesThatAreMissing) {
+TEST_F(StorageTest, MakesTheDirectoriesThatAreMissing) {
     const Storage deep(_root.path() / "a" / "b");
     EXPECT_TRUE(fs::is_directory(_root.path() / "a" / "b" / "reticle"));
     EXPECT_EQ(deep.load(), std::nullopt);
 }
 
-TEST_F(StorageTest, throwsWhereTheRootIsAFile) {
+TEST_F(StorageTest, ThrowsWhereTheRootIsAFile) {
     _root.write("file", "");
     EXPECT_THROW(Storage(_root.path() / "file"), std::runtime_error);
 }
 
-TEST_F(StorageTest, hasNoListAtFirst) {
+TEST_F(StorageTest, HasNoListAtFirst) {
     EXPECT_EQ(_storage.load(), std::nullopt);
 }
 
-TEST_F(StorageTest, loadsWhatItSaved) {
+TEST_F(StorageTest, LoadsWhatItSaved) {
     _storage.save(_list);
     EXPECT_EQ(_storage.load(), _list);
     EXPECT_EQ(Storage(_root.path()).load(), _list);
 }
 
-TEST_F(StorageTest, saysWhichFileHoldsNoList) {
+TEST_F(StorageTest, SaysWhichFileHoldsNoList) {
     _root.write("reticle_list.json", "[{");
     try {
         (void)_storage.load();
@@ -58,7 +58,7 @@ TEST_F(StorageTest, saysWhichFileHoldsNoList) {
     }
 }
 
-TEST_F(StorageTest, replacesTheListInsteadOfWritingIntoIt) {
+TEST_F(StorageTest, ReplacesTheListInsteadOfWritingIntoIt) {
     _storage.save(_list);
     const std::string before = _root.read("reticle_list.json");
     fs::create_hard_link(_root.path() / "reticle_list.json", _root.path() / "old");
@@ -67,14 +67,14 @@ TEST_F(StorageTest, replacesTheListInsteadOfWritingIntoIt) {
     EXPECT_NE(_root.read("reticle_list.json"), before);
 }
 
-TEST_F(StorageTest, keepsTheOldListWhenTheNewOneCannotBeWritten) {
+TEST_F(StorageTest, KeepsTheOldListWhenTheNewOneCannotBeWritten) {
     _storage.save(_list);
     fs::create_directory(_root.path() / "reticle_list.json.aside");
     EXPECT_THROW(_storage.save({}), std::runtime_error);
     EXPECT_EQ(_storage.load(), _list);
 }
 
-TEST_F(StorageTest, readsTheStateBesideAHalfWrittenOne) {
+TEST_F(StorageTest, ReadsTheStateBesideAHalfWrittenOne) {
     _storage.save(_list);
     _root.write("reticle_list.json.aside", R"([{"reticles":[{"ind)");
     EXPECT_EQ(_storage.load(), _list);
@@ -82,7 +82,7 @@ TEST_F(StorageTest, readsTheStateBesideAHalfWrittenOne) {
     EXPECT_EQ(_storage.load(), ReticleList());
 }
 
-TEST_F(StorageTest, removesReticleFilesOfItsOwnThatTheListDoesNotName) {
+TEST_F(StorageTest, RemovesReticleFilesOfItsOwnThatTheListDoesNotName) {
     for (const char* name :
          {"user-0", "user-1", "user-2.aside", "factory-duplex.svg", "notes.txt"}) {
         _root.write(std::string("reticle/") + name, "x");
@@ -91,7 +91,7 @@ TEST_F(StorageTest, removesReticleFilesOfItsOwnThatTheListDoesNotName) {
     EXPECT_THAT(_root.reticleFiles(), ElementsAre("notes.txt", "user-0"));
 }
 
-TEST_F(StorageTest, saysHowMuchRoomAListTakes) {
+TEST_F(StorageTest, SaysHowMuchRoomAListTakes) {
     _list.push_back({1, "Gone", "user-1", "red", true, false});
     _root.write("reticle/user-0", std::string(1'234, 'x'));
     _root.write("reticle/user-2", "of no reticle");
@@ -99,7 +99,7 @@ TEST_F(StorageTest, saysHowMuchRoomAListTakes) {
     EXPECT_EQ(_storage.bytesOf(_list), 1'234 + _root.read("reticle_list.json").size());
 }
 
-TEST_F(StorageTest, takesNewDataByteForByte) {
+TEST_F(StorageTest, TakesNewDataByteForByte) {
     const std::string data("a\r\n\"user_color\"\n\xc3\xbc\0\xff", 20);
     _root.write("new_reticle_data0", data);
     EXPECT_EQ(_storage.takeNewData("a:/new_reticle_data0", {}), "user-0");
@@ -107,20 +107,20 @@ TEST_F(StorageTest, takesNewDataByteForByte) {
     EXPECT_EQ(_root.read("new_reticle_data0"), data);
 }
 
-TEST_F(StorageTest, takesAnEmptyFileAsWell) {
+TEST_F(StorageTest, TakesAnEmptyFileAsWell) {
     _root.write("new_reticle_data0", "");
     EXPECT_EQ(_storage.takeNewData("a:/new_reticle_data0", {}), "user-0");
     EXPECT_EQ(_root.read("reticle/user-0"), "");
 }
 
-TEST_F(StorageTest, neverTakesANameInUse) {
+TEST_F(StorageTest, NeverTakesANameInUse) {
     _root.write("new", "new");
     _root.write("reticle/user-0", "old");
     EXPECT_EQ(_storage.takeNewData("a:/new", _list), "user-1");
     EXPECT_EQ(_root.read("reticle/user-0"), "old");
 }
 
-TEST_F(StorageTest, takesFilesOfSubdirectoriesAndThroughLinksInside) {
+TEST_F(StorageTest, TakesFilesOfSubdirectoriesAndThroughLinksInside) {
     fs::create_directory(_root.path() / "sub");
     _root.write("sub/file", "deep");
     fs::create_symlink("sub/file", _root.path() / "link");
@@ -129,7 +129,7 @@ TEST_F(StorageTest, takesFilesOfSubdirectoriesAndThroughLinksInside) {
     EXPECT_EQ(_root.read("reticle/user-0"), "deep");
 }
 
-TEST_F(StorageTest, takesNothingFromOutsideTheRoot) {
+TEST_F(StorageTest, TakesNothingFromOutsideTheRoot) {
     const test::TemporaryRoot neighbour;
     neighbour.write("secret", "s");
     const std::string absolute = (neighbour.path() / "secret").string();
@@ -145,7 +145,7 @@ TEST_F(StorageTest, takesNothingFromOutsideTheRoot) {
     EXPECT_TRUE(_root.reticleFiles().empty());
 }
 
-TEST_F(StorageTest, takesNothingThatIsNoFile) {
+TEST_F(StorageTest, TakesNothingThatIsNoFile) {
     _root.write("file", "x");
     ASSERT_EQ(mkfifo((_root.path() / "pipe").c_str(), 0600), 0);
     fs::create_symlink("loop", _root.path() / "loop");
@@ -157,14 +157,14 @@ TEST_F(StorageTest, takesNothingThatIsNoFile) {
     }
 }
 
-TEST_F(StorageTest, forgetsTheListThatAnEarlierRunFaked) {
+TEST_F(StorageTest, ForgetsTheListThatAnEarlierRunFaked) {
     _storage.writeFaultyList("x");
     EXPECT_EQ(_root.read("faulty_list.json"), "x");
     const Storage next(_root.path());
     EXPECT_FALSE(_root.has("faulty_list.json"));
 }
 
-TEST_F(StorageTest, showsTheRootWithASlash) {
+TEST_F(StorageTest, ShowsTheRootWithASlash) {
     EXPECT_EQ(_storage.rootText(), _root.path().string() + "/");
     EXPECT_EQ(Storage(_root.path() / "").rootText(), _root.path().string() + "/");
 }

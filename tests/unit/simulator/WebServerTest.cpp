@@ -258,7 +258,7 @@ TEST_F(WebServerTest, ABrowserThatReadsNothingHoldsUpNobody) {
     EXPECT_THAT(get("/"), StartsWith("HTTP/1.1 200 OK"));
 }
 
-TEST(WebServer, saysWhereItCannotServe) {
+TEST(WebServer, SaysWhereItCannotServe) {
     const WebServer::Device nothing{[](const auto&) { return "{}"; }, [](int) { return ""; }};
     const WebServer first({"127.0.0.1", 0}, nothing);
     const std::string url = first.url();
@@ -283,7 +283,7 @@ std::vector<std::string> allOf(const std::string& text, const std::string& patte
     return found;
 }
 
-TEST(WebPage, offersEveryFault) {
+TEST(WebPage, OffersEveryFault) {
     const auto offered =
         allOf(WEB_PAGE, "<option value=\"([a-z-]+)\"(?: data-argument=\"([a-z_]+)\")?[^>]*>\\1 –");
     EXPECT_EQ(offered, allOf("\n" + faultHelp(), "\n  ([a-z-]+)(:?)"));
