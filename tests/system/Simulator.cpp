@@ -4,7 +4,6 @@
 #include <stdexcept>
 
 #include "tests/support/Patience.h"
-#include "tests/support/Ports.h"
 #include "tests/system/Programs.h"
 
 namespace {
@@ -18,7 +17,7 @@ std::vector<std::string> commandWith(const std::vector<std::string>& options) {
 }  // namespace
 
 Simulator::Simulator(const std::vector<std::string>& options) : _process(commandWith(options)) {
-    if (!eventually([this] { return isListening(RTOS_PORT) || !isAlive(); }) || !isAlive()) {
+    if (!eventually([this] { return output().ends_with('\n') || !isAlive(); }) || !isAlive()) {
         throw std::runtime_error("the simulator does not listen: " + _process.standardError());
     }
 }

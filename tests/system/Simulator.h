@@ -8,7 +8,7 @@
 /// The simulated device, as a test engineer starts it. Ends with this object.
 class Simulator {
 public:
-    /// Starts rtos-sim with `options` and waits until it listens.
+    /// Starts rtos-sim with `options` and waits until it says that it listens.
     /// \throws std::runtime_error when it does not.
     explicit Simulator(const std::vector<std::string>& options = {});
 
