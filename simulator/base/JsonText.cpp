@@ -4,6 +4,7 @@
 #include <json/writer.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 
@@ -35,6 +36,19 @@ Json::Value parseJson(const std::string& text) {
     }
     std::replace(errors.begin(), errors.end(), '\n', ' ');
     throw std::runtime_error(errors);
+}
+
+std::vector<std::string> parseWords(const std::string& text) {
+    const Json::Value json = parseJson(text);
+    if (!json.isArray() ||
+        !std::all_of(json.begin(), json.end(), std::mem_fn(&Json::Value::isString))) {
+        throw std::runtime_error("a command is an array of strings");
+    }
+    std::vector<std::string> words;
+    for (const Json::Value& word : json) {
+        words.push_back(word.asString());
+    }
+    return words;
 }
 
 std::optional<Json::Value> parseLeniently(const std::string& text) {

@@ -4,12 +4,17 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace sim {
 
 /// Parses one array or object, strictly: no comments, no key twice, nothing before or after it.
 /// \throws std::runtime_error that says on one line what is wrong with it.
 [[nodiscard]] Json::Value parseJson(const std::string& text);
+
+/// Parses an array of strings, strictly.
+/// \throws std::runtime_error that says on one line what is wrong with it.
+[[nodiscard]] std::vector<std::string> parseWords(const std::string& text);
 
 /// Parses as the service does: comments are kept, and what follows the text is not looked at.
 /// \return none for what is no JSON

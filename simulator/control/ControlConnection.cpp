@@ -1,7 +1,6 @@
 #include "simulator/control/ControlConnection.h"
 
 #include <exception>
-#include <stdexcept>
 #include <utility>
 
 #include <asio/buffer.hpp>
@@ -18,18 +17,6 @@ namespace {
 constexpr std::size_t MAX_COMMAND_BYTES = std::size_t{16} << 20U;
 /// What may wait for a client that does not read, besides the line on its way.
 constexpr std::size_t MAX_WAITING_BYTES = std::size_t{1} << 20U;
-
-Words wordsIn(const std::string& request) {
-    const Json::Value json = parseJson(request);
-    Words words;
-    for (const Json::Value& word : json) {
-        if (!json.isArray() || !word.isString()) {
-            throw std::runtime_error("a command is an array of strings");
-        }
-        words.push_back(word.asString());
-    }
-    return words;
-}
 
 std::string errorText(const std::string& error) {
     Json::Value json;
@@ -78,7 +65,7 @@ void ControlConnection::_onRequest(const asio::error_code& error, std::size_t si
 /// \return what the client gets; nothing where it follows from now on
 std::string ControlConnection::_answer(const std::string& request) {
     try {
-        const Words words = wordsIn(request);
+        const Words words = parseWords(request);
         if (formOf(words).name == EVENTS_COMMAND) {
             _follow();
             return "";

@@ -6,7 +6,6 @@
 #include <chrono>
 #include <exception>
 #include <map>
-#include <optional>
 #include <random>
 #include <system_error>
 #include <utility>
@@ -60,20 +59,6 @@ std::string filledIn(std::string text, const std::map<std::string, std::string>&
 
 std::string streamText(const std::string& kind, const std::string& data) {
     return "event: " + kind + "\ndata: " + data + "\n\n";
-}
-
-/// \return none where `body` is no array of strings
-std::optional<std::vector<std::string>> wordsOf(const std::string& body) {
-    std::vector<std::string> words;
-    try {
-        const Json::Value array = parseJson(body);
-        for (const Json::Value& word : array) {
-            words.push_back(word.asString());
-        }
-        return array.isArray() ? std::optional(words) : std::nullopt;
-    } catch (const std::exception&) {
-        return std::nullopt;
-    }
 }
 
 }  // namespace
@@ -173,12 +158,9 @@ HttpResponse WebServer::_command(const HttpRequest& request) const {
     if (!_guard.isByThePage(request)) {
         return refused(HTTP_FORBIDDEN, "Only the page itself gives commands.\n");
     }
-    const auto words = wordsOf(request.body);
-    if (!words) {
-        return refused(HTTP_BAD_REQUEST, "A command is an array of strings.\n");
-    }
     try {
-        return {HTTP_OK, JSON_TYPE, _device.command(*words), PAGE_POLICY, nullptr};
+        return {HTTP_OK, JSON_TYPE, _device.command(parseWords(request.body)), PAGE_POLICY,
+                nullptr};
     } catch (const std::exception& error) {
         Json::Value answer;
         answer["error"] = error.what();
