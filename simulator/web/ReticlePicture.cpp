@@ -12,7 +12,8 @@ namespace sim {
 
 namespace {
 
-constexpr std::string_view PLACEHOLDER = "user_color";
+/// With its quotes, as the service looks for it: the picture is what a client gets.
+constexpr std::string_view PLACEHOLDER = "\"user_color\"";
 constexpr std::size_t MAX_PICTURE_BYTES = 16'000'000;
 
 std::string inColour(std::string_view data, const std::string& colour) {
@@ -22,7 +23,7 @@ std::string inColour(std::string_view data, const std::string& colour) {
         picture += data.substr(at, place - at);
         at = place;
         if (place != std::string_view::npos) {
-            picture += colour;
+            picture += '"' + colour + '"';
             at += PLACEHOLDER.size();
         }
         if (picture.size() > MAX_PICTURE_BYTES) {

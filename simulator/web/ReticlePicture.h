@@ -7,7 +7,7 @@
 
 namespace sim {
 
-/// The data of a reticle with the user's colour in the place of each "user_color".
+/// The data of a reticle with the user's colour in the place of each user_color that stands in double quotes.
 /// \param root directory of the shared storage
 /// \throws std::runtime_error, with a text for people, where there is no such reticle or file, or the
 ///         picture would be too large to be looked at.

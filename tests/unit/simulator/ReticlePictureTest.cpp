@@ -31,10 +31,13 @@ protected:
     ReticleList list{{3, "Cross", "cross.svg", "#00c853", false, true}};
 };
 
-TEST_F(ReticlePictureTest, HasTheUsersColourInEachPlace) {
-    write("user_color<a stroke='user_color' fill='user_colo'/>user_color");
+TEST_F(ReticlePictureTest, HasTheUsersColourWhereTheServicePutsIt) {
+    write(R"("user_color"<a stroke="user_color" fill="user_colo"/>"user_color")");
     EXPECT_EQ(reticlePicture(list, root.path(), 3),
-              "#00c853<a stroke='#00c853' fill='user_colo'/>#00c853");
+              R"("#00c853"<a stroke="#00c853" fill="user_colo"/>"#00c853")");
+    const std::string others = R"(user_color 'user_color' "user_color user_color")";
+    write(others);
+    EXPECT_EQ(reticlePicture(list, root.path(), 3), others);
 }
 
 TEST_F(ReticlePictureTest, IsTheDataWhereTheyHaveNoPlaceForAColour) {
@@ -50,7 +53,7 @@ TEST_F(ReticlePictureTest, IsNotThereWithoutReticleOrFile) {
 }
 
 TEST_F(ReticlePictureTest, StaysWithinBoundsWhateverTheColour) {
-    write("user_color user_color user_color");
+    write(R"("user_color" "user_color" "user_color")");
     list.front().userColor = std::string(6'000'000, 'x');
     EXPECT_EQ(complaint(3), "The picture is too large.");
 }
