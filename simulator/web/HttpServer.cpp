@@ -136,9 +136,11 @@ void HttpServer::_answer(mg_connection* connection) const {
     HttpResponse response;
     if (info.content_length > MAX_BODY_BYTES) {
         response.status = HTTP_TOO_LARGE;
+        response.body = "That is too large.\n";
     } else if (info.content_length > 0 &&
                !readBody(connection, info.content_length, request.body)) {
         response.status = HTTP_BAD_REQUEST;
+        response.body = "Only a part of it has come.\n";
     } else {
         try {
             response = _handler(request);

@@ -170,7 +170,9 @@ TEST_F(WebServerTest, WhatIsNoCommandReachesNoDevice) {
     EXPECT_THAT(get("/command"), StartsWith("HTTP/1.1 405 "));
     Connection large = send("POST /command HTTP/1.1\r\nHost: localhost\r\n" + token +
                             "Content-Length: 8000001\r\n\r\n");
-    EXPECT_THAT(readUntil(large, "\r\n"), StartsWith("HTTP/1.1 413 "));
+    EXPECT_THAT(
+        readUntil(large, "large.\n"),
+        testing::AllOf(StartsWith("HTTP/1.1 413 "), HasSubstr("\r\n\r\nThat is too large.")));
     EXPECT_TRUE(given.empty());
 }
 
