@@ -12,11 +12,16 @@ const RETRY_MS = 1000;
 const SAID_MS = 6000;
 const MOA_PER_MIL = 10800 / Math.PI / 1000;
 const LEAST_CONTRAST = 2;
+const LONGEST_TO_SHORTEST = 20;   // of the fields that get a grid: its lines are a few hundred
+const FARTHEST_TO_SHORTEST = 1e3;
+const [LEAST_FIELD, LARGEST_FIELD] = [1e-3, 1e6];
 const SWATCHES = ['black', 'white', 'red', '#00c853', '#ffb000', '#2f9bff'];
 
 const device = {root: '', reticles: [], faults: [], exchanges: 0, bytes: 0, isUp: true};
 const cards = new Map();    // by index
 const pending = new Map();  // entries of exchanges that have no answer yet
+const writings = new Map(); // by file, the number of the event that told of it
+let connections = 0;
 let isPast = true;          // what comes has happened before this page looked
 
 /* Elements */
@@ -65,7 +70,10 @@ function showColour(place, reticle) {
 
 /* Pictures */
 
-const keyOf = (reticle) => `${reticle.index} ${reticle.file} ${reticle.color}`;
+// Indexes and files are used again for other data: a picture is that of the latest writing that is
+// known, and all are fetched anew after a time without news.
+const keyOf = (reticle) =>
+    `${reticle.index} ${reticle.file} ${connections}.${writings.get(reticle.file) || 0} ${reticle.color}`;
 const pictureOf = (reticle) => `/picture/${reticle.index}?${encodeURIComponent(keyOf(reticle))}`;
 
 // Shows the picture, or `instead` with the reason why there is none.
@@ -74,12 +82,24 @@ function showPicture(image, instead, reticle) {
     instead.hidden = true;
     image.alt = `Picture of ${reticle.name}`;
     image.onerror = async () => {
-        const answer = await fetch(image.src).catch(() => null);
-        instead.textContent = answer && !answer.ok ? await answer.text() : 'The picture cannot be drawn.';
+        const source = image.src;
+        const answer = await fetch(source).catch(() => null);
+        const reason = answer && !answer.ok ? await answer.text() : 'The picture cannot be drawn.';
+        if (image.src !== source) return;
+        instead.textContent = reason;
         image.hidden = true;
         instead.hidden = false;
     };
     image.src = pictureOf(reticle);
+}
+
+// A field beyond these bounds would have lines without end.
+function isDrawable(field) {
+    if (field.length !== 4 || !field.every(Number.isFinite)) return false;
+    const [x, y, width, height] = field;
+    const [shorter, longer] = [Math.min(width, height), Math.max(width, height)];
+    return shorter >= LEAST_FIELD && longer <= LARGEST_FIELD && longer <= shorter * LONGEST_TO_SHORTEST &&
+        Math.max(Math.abs(x), Math.abs(y)) <= shorter * FARTHEST_TO_SHORTEST;
 }
 
 // What a drawing says of its own scale: the field that it shows, and its unit.
@@ -88,7 +108,7 @@ async function scaleOf(reticle) {
     if (!answer || !answer.ok) return null;
     const root = new DOMParser().parseFromString(await answer.text(), 'image/svg+xml').documentElement;
     const field = (root.getAttribute('viewBox') || '').trim().split(/[\s,]+/).map(Number);
-    if (field.length !== 4 || !field.every(Number.isFinite) || !(field[2] > 0) || !(field[3] > 0)) return null;
+    if (!isDrawable(field)) return null;
     const unit = /Unit:\s*1\s+(milliradian|minute of angle)/.exec(root.querySelector('desc')?.textContent || '');
     return {field, milPerUnit: !unit || unit[1] === 'milliradian' ? 1 : 1 / MOA_PER_MIL, isStated: Boolean(unit)};
 }
@@ -349,6 +369,7 @@ function onAnswered(event) {
 }
 
 function onFile(event) {
+    if (event.kind === 'written') writings.set(event.file, event.event);
     const text = event.kind === 'written' ? `wrote ${event.file}, ${count(event.bytes, 'byte')}` : `removed ${event.file}`;
     const open = [...pending.values()].pop();
     if (open) open.files.append(make('span', '', text));
@@ -403,6 +424,8 @@ function connect() {
         if (message.data !== meta('run')) return location.reload();
         alive();
         isPast = true;
+        ++connections;
+        writings.clear();
         pending.clear();
         device.faults = [];
         byId('feed').replaceChildren();
@@ -454,12 +477,14 @@ async function command(words, done) {
 }
 
 let edited = null;
+let shown = null;  // the fields as they hold the edited reticle: without its newlines
 
 function openEditor(index) {
     edited = device.reticles.find((reticle) => reticle.index === index);
     byId('edit-title').textContent = `Reticle ${index}`;
     byId('edit-name').value = edited.name;
     byId('edit-colour').value = edited.color;
+    shown = {name: byId('edit-name').value, colour: byId('edit-colour').value};
     byId('edit-deletable').checked = edited.deletable;
     byId('delete').disabled = !edited.deletable || edited.active;
     byId('edit').showModal();
@@ -468,8 +493,8 @@ function openEditor(index) {
 async function saveEdited() {
     const [index, name, colour] = [String(edited.index), byId('edit-name').value, byId('edit-colour').value];
     const isDeletable = byId('edit-deletable').checked;
-    if (name !== edited.name && !await command(['rename', index, name], 'Renamed')) return;
-    if (colour !== edited.color && !await command(['color', index, colour], 'In another colour now')) return;
+    if (name !== shown.name && !await command(['rename', index, name], 'Renamed')) return;
+    if (colour !== shown.colour && !await command(['color', index, colour], 'In another colour now')) return;
     if (isDeletable !== edited.deletable) await command(['deletable', index, isDeletable ? 'yes' : 'no'], isDeletable ? 'May be deleted now' : 'Cannot be deleted now');
 }
 

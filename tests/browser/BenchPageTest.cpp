@@ -161,6 +161,65 @@ TEST_F(BenchPageTest, HostileNamesColoursAndDataDoNothing) {
     }
 }
 
+TEST_F(BenchPageTest, FieldsWithoutBoundsGetNoScaleAndHoldNothingUp) {
+    int index = 0;
+    std::string list;
+    for (const char* field : {"0 0 10 10", "0 0 1 1e9", "1e20 0 1 1", "1e308 0 1e308 1"}) {
+        const std::string number = std::to_string(index);
+        flash.write("reticle/" + number, "<svg viewBox=\"" + std::string(field) + "\"/>");
+        list += (index > 0 ? "," : "") + (R"({"index":)" + number) + R"(,"name":"F)" + number +
+                R"(","data":")" + number + R"(","userColor":"red","isDeletable":true,"isActive":)" +
+                (index == 0 ? "true}" : "false}");
+        ++index;
+    }
+    flash.write("reticle_list.json", R"([{"reticles":[)" + list + "]}]");
+    start();
+    EXPECT_TRUE(browser->sees("document.querySelectorAll('#scale path').length > 0"));
+    while (--index > 0) {
+        const std::string number = std::to_string(index);
+        ASSERT_EQ(browser->evaluate("scaleOf(device.reticles[" + number + "]).then(String)"),
+                  "null");
+        ASSERT_EQ(Reticlectl::run({"activate", number}).status, Reticlectl::DONE);
+        ASSERT_TRUE(browser->sees(textOf("#active-name") + " === 'F" + number + "'"));
+        EXPECT_EQ(browser->evaluate("document.querySelectorAll('#scale path').length"), "0");
+    }
+}
+
+TEST_F(BenchPageTest, APictureIsThatOfTheDataThatNowHaveItsPlace) {
+    start();
+    browser->resize(1000, 3000);
+    ASSERT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 8"));
+    const auto add = [](const std::string& colour) {
+        return R"(command(['add', 'Mine', '<svg viewBox="0 0 9 9"><path fill=")" + colour +
+               R"(" d="M0 0h9v9H0z"/></svg>']))";
+    };
+    const auto cardShows = [this](Rgb colour) {
+        return eventually([this, colour] {
+            return browser->screenshot(".reticle:nth-child(9) .ground").count(colour) > 0;
+        });
+    };
+    ASSERT_EQ(browser->evaluate(add("#fe0102")), "true");
+    ASSERT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 9"));
+    EXPECT_TRUE(cardShows(SCRIPT_COLOUR));
+    // The index and the file of the one that goes are those of the one that comes.
+    ASSERT_EQ(browser->evaluate("command(['delete', '8']).then(() => " + add("#0102fe") + ')'),
+              "true");
+    EXPECT_TRUE(cardShows(LOADED_COLOUR));
+}
+
+TEST_F(BenchPageTest, AnEditorKeepsTheNewlinesOfANameThatNobodyEdits) {
+    start();
+    ASSERT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 8"));
+    ASSERT_EQ(browser->evaluate(R"(command(['rename', '1', 'Two\nlines']))"), "true");
+    ASSERT_TRUE(browser->sees(R"(device.reticles[1].name === 'Two\nlines')"));
+    browser->click(".reticle:nth-child(2) .buttons button:last-child");
+    static_cast<void>(
+        browser->evaluate("document.getElementById('edit-colour').value = '#2f9bff'"));
+    browser->click("#edit-form [value=save]");
+    ASSERT_TRUE(browser->sees("device.reticles[1].color === '#2f9bff'"));
+    EXPECT_EQ(browser->evaluate(R"(device.reticles[1].name === 'Two\nlines')"), "true");
+}
+
 TEST_F(BenchPageTest, FitsATelephoneAndAWideScreen) {
     start();
     ASSERT_TRUE(browser->sees("document.querySelectorAll('.reticle').length === 8"));
