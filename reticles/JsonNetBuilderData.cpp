@@ -96,6 +96,7 @@ std::string JsonNetBuilder::_applyUserColor(std::string_view text, const std::st
     const std::string replacement = '"' + userColor + '"';
     const bool isPlain = replacement.find(ESCAPE) == std::string::npos;
     std::string result;
+    // Enough for colours as short as the placeholder, such as "#rrggbb"; counting for the others would cost all.
     result.reserve(text.size());
     for (std::size_t found = findPlaceholder(text); found != std::string_view::npos;
          found = findPlaceholder(text)) {

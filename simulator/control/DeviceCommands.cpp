@@ -141,6 +141,9 @@ Json::Value DeviceCommands::_rename(const Words& words) {
 }
 
 Json::Value DeviceCommands::_add(const Words& words) {
+    if (words[2].empty()) {
+        throw std::runtime_error("the data is empty: no list would show the reticle");
+    }
     const int index = lowestFreeIndex(_parts.device.reticles());
     requireDone(_parts.device.add(words[1], words[2]));
     return _reticle(index);

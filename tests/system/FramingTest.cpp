@@ -111,7 +111,8 @@ TEST_F(FramingTest, CloseWithinTheHeaderEndsThatConnectionOnly) {
     leaving.connection().closeWriting();
     EXPECT_TRUE(leaving.connection().seesEnd());
     // What remains: standard streams, RTOS socket, listening socket, the client that stays.
-    EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == 6; }));
+    EXPECT_TRUE(
+        eventually([&] { return service.info().descriptors().size() == DESCRIPTORS_AT_REST + 1; }));
     EXPECT_EQ(service.errors(), REFUSED_HEADER);
     expectServed(client, rtos);
 }

@@ -7,9 +7,9 @@
 #include "tests/support/FrameClient.h"
 #include "tests/support/HostileTexts.h"
 #include "tests/support/Text.h"
-#include "tests/system/DaemonTest.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/Programs.h"
+#include "tests/system/RestingDaemonTest.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ Expected expectedFor(HostileText::Request request) {
 
 /// Valid requests made to cost time. A service that keeps comments needs more for them than every
 /// wait's bound.
-class HostileBodyTest : public DaemonTest {
+class HostileBodyTest : public RestingDaemonTest {
 protected:
     void expectNotHeldUp(const std::string& hostileBody) {
         FrameClient hostile;
@@ -84,12 +84,13 @@ TEST_F(HostileBodyTest, CommentsOf4MegabytesHoldUpNobody) {
 }
 
 /// Bodies of the largest size that is not refused unseen: none ends the service, none holds it up for
-/// good.
+/// good, and none leaves its memory taken.
 TEST_F(HostileBodyTest, LargestBodyOfEachKindIsAnsweredOrRefused) {
     constexpr std::size_t LARGEST_BODY_BYTES = 4194303;
     for (const HostileText& hostile : hostileTexts(LARGEST_BODY_BYTES)) {
         SCOPED_TRACE(hostile.kind);
         expectHandled(hostile);
+        expectGivenBack();
     }
 }
 

@@ -6,33 +6,24 @@
 
 #include "tests/support/FrameClient.h"
 #include "tests/support/HostileTexts.h"
-#include "tests/support/Patience.h"
 #include "tests/support/Text.h"
-#include "tests/system/DaemonTest.h"
 #include "tests/system/Exchanges.h"
 #include "tests/system/Programs.h"
+#include "tests/system/RestingDaemonTest.h"
 
 namespace {
 
 using exchanges::FULL;
 
 constexpr std::size_t MEGABYTE = 1000000;
-constexpr std::size_t LEFT_BEHIND_AT_MOST_BYTES = 8 * MEGABYTE;
 constexpr std::size_t SMALLEST_LARGE_BYTES = 65536;
 /// The allocator maps a block of the largest body's size by itself, and unmaps it with the body; a
 /// little less comes from its arenas.
 constexpr std::size_t LARGEST_IN_ARENA_BYTES = 4194200;
 
 /// Resident memory after bodies of every kind, when all who sent them have their replies.
-class MemoryReturnTest : public DaemonTest {
+class MemoryReturnTest : public RestingDaemonTest {
 protected:
-    // One exchange first: what is made on first use is there.
-    MemoryReturnTest() {
-        FrameClient first;
-        exchanges::expectServed(first, rtos);
-        atRest = service.info().residentBytes();
-    }
-
     /// `count` clients send the text at once; the RTOS refuses all that it is asked for.
     void handleAtOnce(const HostileText& hostile, std::size_t count) {
         std::list<FrameClient> clients(count);
@@ -58,17 +49,6 @@ protected:
         }
     }
 
-    /// Soon after the last reply: giving 200 MB back takes the kernel 0.1 s, on a busy machine over a second.
-    void expectGivenBack() const {
-        if (programs::HAVE_OVERHEAD) {
-            return;
-        }
-        EXPECT_TRUE(eventually([this] {
-            return service.info().residentBytes() <= atRest + LEFT_BEHIND_AT_MOST_BYTES;
-        })) << atRest
-            << " bytes at rest before, " << service.info().residentBytes() << " after";
-    }
-
     void expectGivenBackAfterEach(const std::vector<HostileText>& texts, std::size_t clients) {
         for (const HostileText& hostile : texts) {
             SCOPED_TRACE(std::string(hostile.kind) + ", " + std::to_string(hostile.text.size()) +
@@ -83,8 +63,6 @@ protected:
         const std::string values = repeated(",0", (bytes - START.size() - 2) / 2);
         return {"many tiny values", std::string(START) + values + "]}"};
     }
-
-    std::size_t atRest = 0;
 };
 
 TEST_F(MemoryReturnTest, NothingStaysOfBodiesOf64Kilobytes) {

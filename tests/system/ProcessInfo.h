@@ -8,6 +8,10 @@
 #include <map>
 #include <string>
 
+/// What the service has open at rest: the standard streams, the socket that it listens on, the link to the RTOS. Each
+/// client adds one.
+inline constexpr std::size_t DESCRIPTORS_AT_REST = 5;
+
 /// What the kernel tells about a running process.
 class ProcessInfo {
 public:

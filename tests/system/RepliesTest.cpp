@@ -88,7 +88,8 @@ TEST_F(RepliesTest, ReplyToAClientThatHasLeftIsReportedAndLaterOnesAreSent) {
     EXPECT_EQ(rtos.receiveRequest(), LIST_REQUEST);
     leaving.connection().close();
     // What remains: standard streams, RTOS socket, listening socket, the client that stays.
-    EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == 6; }));
+    EXPECT_TRUE(
+        eventually([&] { return service.info().descriptors().size() == DESCRIPTORS_AT_REST + 1; }));
     rtos.answer(FULL);
     EXPECT_TRUE(service.hasError("Bad file descriptor: Bad file descriptor\n"));
     EXPECT_EQ(service.errors(),

@@ -46,7 +46,7 @@ protected:
 
     void expectRest() const {
         EXPECT_TRUE(eventually([this] {
-            return service.info().descriptors().size() == 5 &&
+            return service.info().descriptors().size() == DESCRIPTORS_AT_REST &&
                    service.info().threadCount() == threadsAtRest;
         })) << service.info().descriptors().size()
             << " descriptors, " << service.info().threadCount() << " threads";

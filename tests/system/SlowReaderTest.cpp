@@ -97,7 +97,8 @@ TEST_F(StalledReaderTest, StalledReaderIsCutOffAndFifteenRepliesHaveWaited) {
 
     EXPECT_EQ(countOf("Error during send response for socket: ", service.errors()), 1);
     EXPECT_TRUE(slow.connection().seesEnd());
-    EXPECT_TRUE(eventually([&] { return service.info().descriptors().size() == 6; }));
+    EXPECT_TRUE(
+        eventually([&] { return service.info().descriptors().size() == DESCRIPTORS_AT_REST + 1; }));
     expectServed(other, rtos);
 }
 

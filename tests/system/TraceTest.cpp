@@ -21,6 +21,7 @@
 #include "tests/support/Sockets.h"
 #include "tests/support/Text.h"
 #include "tests/system/PlayedDeviceTest.h"
+#include "tests/system/Process.h"
 #include "tests/system/ProcessInfo.h"
 #include "tests/system/Reticlectl.h"
 #include "tests/system/SystemTest.h"
@@ -152,6 +153,12 @@ TEST_F(TraceTest, ATraceOfItselfIsUsage) {
         EXPECT_EQ(itself.status, Reticlectl::USAGE) << address;
         EXPECT_THAT(itself.error, HasSubstr("cannot trace itself: "));
     }
+    const std::string ours = "192.0.2.7";
+    Process assignment({"ip", "address", "add", ours + "/32", "dev", "lo"});
+    EXPECT_EQ(assignment.waitForEnd(), 0);
+    const Reticlectl itself =
+        Reticlectl::run({"trace", "--listen", "0.0.0.0:" + port, "--host", ours, "--port", port});
+    EXPECT_THAT(itself.error, HasSubstr("cannot trace itself: "));
 }
 
 /// A service that the test plays, and so sees each byte.

@@ -132,6 +132,11 @@ TEST_F(DeviceCommandsTest, ChangesOneReticle) {
     EXPECT_FALSE(stored(7).isDeletable);
 }
 
+TEST_F(DeviceCommandsTest, RefusesAReticleWithoutData) {
+    EXPECT_THROW(run({"add", "Mine", ""}), std::runtime_error);
+    EXPECT_TRUE(_told.empty());
+}
+
 TEST_F(DeviceCommandsTest, AddsAReticleWithItsData) {
     EXPECT_THAT(run({"add", "Mine", std::string("<svg/>\0", 7)}), HasSubstr(R"("index":8,)"));
     EXPECT_THAT(_told,

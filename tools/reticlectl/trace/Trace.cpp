@@ -9,6 +9,8 @@
 #include <system_error>
 #include <utility>
 
+#include <asio/ip/udp.hpp>
+
 #include "tools/reticlectl/commands/NumberArguments.h"
 #include "tools/reticlectl/outcome/Failure.h"
 
@@ -65,13 +67,22 @@ std::chrono::steady_clock::duration durationOf(double seconds) {
         std::chrono::duration<double>(seconds));
 }
 
+/// What is sent to an address of this machine comes from there. Nothing is sent.
+bool isOfThisMachine(asio::io_context& io, const asio::ip::address& address) {
+    asio::error_code error;
+    asio::ip::udp::socket socket(io);
+    socket.connect({address, 1}, error);
+    return address.is_loopback() || (!error && socket.local_endpoint(error).address() == address);
+}
+
 /// Each client would be followed by one of its own, without end.
-void requireOther(const tcp::resolver::results_type& service, const tcp::endpoint& listening) {
+void requireOther(asio::io_context& io, const tcp::resolver::results_type& service,
+                  const tcp::endpoint& listening) {
     for (const auto& entry : service) {
         const tcp::endpoint& endpoint = entry.endpoint();
         const bool isSameHost =
             endpoint.address() == listening.address() ||
-            (listening.address().is_unspecified() && endpoint.address().is_loopback());
+            (listening.address().is_unspecified() && isOfThisMachine(io, endpoint.address()));
         if (isSameHost && endpoint.port() == listening.port()) {
             throw Failure(
                 ExitStatus::USAGE,
@@ -98,7 +109,7 @@ Trace::Trace(const Session& session, const std::string& listen, bool passesAll)
       _retry(_io),
       _context{_log, lookUp(_io, session), session.peer(), durationOf(session.timeoutSeconds),
                passesAll} {
-    requireOther(_context.endpoints, _acceptor.local_endpoint());
+    requireOther(_io, _context.endpoints, _acceptor.local_endpoint());
 }
 
 void Trace::run() {
