@@ -10,6 +10,16 @@ namespace {
 
 constexpr const char* ANY_ADDRESS = "0.0.0.0";
 
+bool isLoopback(const std::string& host) {
+    return host == "127.0.0.1" || host == "localhost";
+}
+
+// The port may be another one where somebody passes connections on, as ssh does.
+std::string hostOf(const HttpRequest& request) {
+    const std::string host = request.header("host");
+    return host.substr(0, host.rfind(':'));
+}
+
 bool isAddress(const std::string& text) {
     asio::error_code error;
     static_cast<void>(asio::ip::make_address_v4(text, error));
@@ -25,19 +35,16 @@ bool RequestGuard::isForUs(const HttpRequest& request) const {
     // Who follows a link from elsewhere to the page itself does no harm.
     const std::string site = request.header("sec-fetch-site");
     const bool isFromElsewhere = !site.empty() && site != "same-origin" && site != "none";
-    // The port may be another one where somebody passes connections on, as ssh does.
-    const std::string host = request.header("host");
-    return _isOurHost(host.substr(0, host.rfind(':'))) && (!isFromElsewhere || request.path == "/");
+    return _isOurHost(hostOf(request)) && (!isFromElsewhere || request.path == "/");
 }
 
 bool RequestGuard::isByThePage(const HttpRequest& request) const {
-    return request.header(TOKEN_HEADER) == _token;
+    return request.header(TOKEN_HEADER) == _token && isLoopback(hostOf(request));
 }
 
 /// Under an address nobody else's page is found, so that any is good where all are served.
 bool RequestGuard::_isOurHost(const std::string& host) const {
-    return host == "127.0.0.1" || host == "localhost" || host == _host ||
-           (_host == ANY_ADDRESS && isAddress(host));
+    return isLoopback(host) || host == _host || (_host == ANY_ADDRESS && isAddress(host));
 }
 
 }  // namespace sim

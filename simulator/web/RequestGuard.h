@@ -20,7 +20,7 @@ public:
     /// that somebody has lead here, and by no other page.
     [[nodiscard]] bool isForUs(const HttpRequest& request) const;
 
-    /// Whether a change is asked by the page itself.
+    /// Whether a change is asked by the page itself, at this machine: whoever looks from elsewhere may only look.
     [[nodiscard]] bool isByThePage(const HttpRequest& request) const;
 
 private:

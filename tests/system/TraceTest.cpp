@@ -288,20 +288,25 @@ TEST_F(TracedBytesTest, JsonHoldsTheWholeTexts) {
     EXPECT_TRUE(service.receive(encodeFrame(request).size()) == encodeFrame(request));
     service.send(encodeFrame(NO_LIST));
     EXPECT_EQ(client.readReply(), NO_LIST);
+    client.sendBytes("\xff\x80");
+    EXPECT_EQ(service.receive(2), "\xff\x80");
     EXPECT_EQ(json.stop(), Reticlectl::DONE);
+    EXPECT_THAT(json.output(), HasSubstr(R"("hex":"ff80")"));
     std::istringstream lines(json.output());
     std::vector<Json::Value> events;
     for (std::string line; std::getline(lines, line);) {
         std::istringstream(line) >> events.emplace_back();
     }
-    ASSERT_EQ(events.size(), 5U);
+    ASSERT_EQ(events.size(), 7U);
     EXPECT_EQ(events[2]["event"], "request");
     EXPECT_TRUE(events[2]["text"] == request);
     EXPECT_EQ(events[3]["event"], "reply");
     EXPECT_EQ(events[3]["text"], NO_LIST);
     EXPECT_EQ(events[3]["result"], "OK");
     EXPECT_TRUE(events[3]["ms"].isNumeric());
-    EXPECT_EQ(events[4]["event"], "sum");
+    EXPECT_EQ(events[4]["event"], "noFrame");
+    EXPECT_EQ(events[5]["event"], "remark");
+    EXPECT_EQ(events[6]["event"], "sum");
 }
 
 /// One side sends far more than kernels hold for a connection, and the other does not read.

@@ -50,11 +50,21 @@ TEST(RequestGuard, ServesOtherPagesNothingButALinkToThePage) {
     EXPECT_TRUE(guard.isForUs(get("127.0.0.1:8080", "/picture/0", "none")));
 }
 
+HttpRequest command(const std::string& host, const std::string& token) {
+    return {"POST", "/command", {{"host", host}, {"x-rtos-sim-token", token}}, ""};
+}
+
 TEST(RequestGuard, KnowsThePageByItsToken) {
     const RequestGuard guard("127.0.0.1", "secret");
-    EXPECT_TRUE(guard.isByThePage({"POST", "/command", {{"x-rtos-sim-token", "secret"}}, ""}));
-    EXPECT_FALSE(guard.isByThePage({"POST", "/command", {{"x-rtos-sim-token", "guess"}}, ""}));
-    EXPECT_FALSE(guard.isByThePage({"POST", "/command", {}, ""}));
+    EXPECT_TRUE(guard.isByThePage(command("127.0.0.1:8080", "secret")));
+    EXPECT_FALSE(guard.isByThePage(command("127.0.0.1:8080", "guess")));
+    EXPECT_FALSE(guard.isByThePage({"POST", "/command", {{"host", "localhost"}}, ""}));
+}
+
+TEST(RequestGuard, TakesChangesAtThisMachineOnly) {
+    const RequestGuard guard("192.168.1.7", "secret");
+    EXPECT_TRUE(guard.isByThePage(command("localhost:8080", "secret")));
+    EXPECT_FALSE(guard.isByThePage(command("192.168.1.7:8080", "secret")));
 }
 
 }  // namespace

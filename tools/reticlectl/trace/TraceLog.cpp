@@ -97,6 +97,17 @@ std::optional<reticle::Mistake> describe(const std::string& text, std::string& l
     }
 }
 
+std::string hexOf(std::string_view bytes) {
+    constexpr std::string_view DIGITS = "0123456789abcdef";
+    constexpr unsigned LOW = 0xF;
+    std::string text;
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        text += {DIGITS[value >> 4U], DIGITS[value & LOW]};
+    }
+    return text;
+}
+
 }  // namespace
 
 void TraceLog::listening(const std::string& address) const {
@@ -131,8 +142,10 @@ void TraceLog::request(std::size_t connection, const reticle::RequestCheck& chec
 }
 
 void TraceLog::noFrame(std::size_t connection, std::string_view bytes) const {
-    _print(connection, "> no frame, " + counted(bytes.size(), "byte"),
-           withText(named("noFrame"), bytes.size(), bytes));
+    Json::Value event = withText(named("noFrame"), bytes.size(), bytes);
+    // As text, bytes that are none of UTF-8 would all look alike.
+    event["hex"] = hexOf(bytes);
+    _print(connection, "> no frame, " + counted(bytes.size(), "byte"), std::move(event));
 }
 
 void TraceLog::reply(std::size_t connection, std::uint32_t size, const std::string& text,
