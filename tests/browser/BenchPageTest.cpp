@@ -3,6 +3,7 @@
 #include <csignal>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "tests/browser/HostilePicture.h"
@@ -31,11 +32,11 @@ std::string textOf(const std::string& selector) {
 /// Simulator, service, and a reader who looks at the page.
 class BenchPageTest : public SystemTest {
 protected:
-    void start() {
+    void start(Scheme scheme = Scheme::LIGHT) {
         simulator.emplace(std::vector<std::string>{"--web", "8090"});
         service.emplace();
         service->waitUntilListening();
-        browser.emplace();
+        browser.emplace(scheme);
         browser->open(BENCH_PAGE);
         ASSERT_TRUE(browser->sees(IS_LIVE));
     }
@@ -229,6 +230,56 @@ TEST_F(BenchPageTest, FitsATelephoneAndAWideScreen) {
                                   " && document.documentElement.scrollWidth <= innerWidth"))
             << width << ": " << browser->evaluate("document.documentElement.scrollWidth");
     }
+}
+
+TEST_F(BenchPageTest, EachGroundIsAnotherAndStaysChosen) {
+    start();
+    ASSERT_TRUE(browser->sees("!document.getElementById('active-picture').hidden"));
+    constexpr Point BESIDE_THE_DRAWING{150, 170};
+    std::set<std::string> middles;
+    for (const std::string ground : {"day", "dusk", "night", "grey", "card"}) {
+        browser->click("[name=ground][value=" + ground + "]");
+        EXPECT_EQ(browser->evaluate("document.getElementById('eyepiece').dataset.ground"), ground);
+        const Screenshot picture = browser->screenshot("#eyepiece");
+        const Rgb colour = picture.at(BESIDE_THE_DRAWING);
+        middles.insert(std::to_string(colour.red) + ',' + std::to_string(colour.green) + ',' +
+                       std::to_string(colour.blue));
+    }
+    EXPECT_EQ(middles.size(), 5U);
+    browser->open(BENCH_PAGE);
+    EXPECT_TRUE(browser->sees("document.getElementById('eyepiece').dataset.ground === 'card'"));
+}
+
+TEST_F(BenchPageTest, TheCardMeasuresInMilliradiansAndMinutesOfAngle) {
+    start();
+    ASSERT_EQ(Reticlectl::run({"activate", "6"}).status, Reticlectl::DONE);
+    browser->click("[name=ground][value=card]");
+    // One unit of this drawing is a milliradian: a number stands where it says.
+    const std::string areRight =
+        R"js(((name, size) => {
+            const numbers = [...document.querySelectorAll('#scale text.' + name)]
+                .filter((text) => !Number.isNaN(Number(text.textContent)));
+            return numbers.length > 4 && numbers.every((text) =>
+                Math.abs(Math.abs(text.getAttribute('x')) - text.textContent * size) < 1e-6);
+        }))js";
+    EXPECT_TRUE(browser->sees(areRight + "('mil', 1)"));
+    EXPECT_TRUE(browser->sees(areRight + "('moa', Math.PI / 180 / 60 * 1000)"));
+}
+
+TEST_F(BenchPageTest, FollowsTheReadersSystem) {
+    const std::string ground = "getComputedStyle(document.documentElement).backgroundColor";
+    const std::string moves =
+        "(() => { const item = document.createElement('li'); item.className = 'exchange fresh';"
+        "document.getElementById('feed').append(item);"
+        "return getComputedStyle(item).animationName !== 'none'; })()";
+    start(Scheme::DARK);
+    const std::string dark = browser->evaluate(ground);
+    EXPECT_EQ(browser->evaluate("document.getElementById('eyepiece').dataset.ground"), "dusk");
+    EXPECT_EQ(browser->evaluate(moves), "true");
+    browser->emulate("prefers-color-scheme", "light");
+    EXPECT_NE(browser->evaluate(ground), dark);
+    browser->emulate("prefers-reduced-motion", "reduce");
+    EXPECT_EQ(browser->evaluate(moves), "false");
 }
 
 TEST_F(BenchPageTest, WorksByKeyboard) {

@@ -149,6 +149,13 @@ Screenshot LiveChromium::screenshot(const std::string& selector) {
     return Screenshot(fromBase64(_call("Page.captureScreenshot", parameters)["data"].asString()));
 }
 
+void LiveChromium::emulate(const std::string& feature, const std::string& value) {
+    Json::Value parameters;
+    parameters["features"][0]["name"] = feature;
+    parameters["features"][0]["value"] = value;
+    _call("Emulation.setEmulatedMedia", parameters);
+}
+
 void LiveChromium::resize(int width, int height) {
     Json::Value parameters;
     parameters["width"] = width;

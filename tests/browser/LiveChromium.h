@@ -35,6 +35,9 @@ public:
     /// The part of the page that the first element of that CSS selector takes.
     [[nodiscard]] Screenshot screenshot(const std::string& selector);
 
+    /// Has pages believe that the reader prefers this, for a media feature such as "prefers-reduced-motion".
+    void emulate(const std::string& feature, const std::string& value);
+
     /// Shows pages so wide from now on.
     void resize(int width, int height);
 
