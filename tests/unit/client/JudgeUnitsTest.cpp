@@ -1,6 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "tools/reticlectl/doctor/judgeUnits.h"
 
 namespace reticlectl {
@@ -74,23 +79,47 @@ std::string journalLine(const std::string& text) {
 
 TEST(JudgeUnits, AJournalWithoutErrorsIsWell) {
     const std::string lines =
-        journalLine("json value: 1") + journalLine("handleJsReq, response: {\"Error\"}");
+        journalLine("json value: 1") + journalLine("handleJsReq, response: {\"Error\"}") +
+        journalLine("\t\t\t\"name\" : \"Thread, exception: \",") +
+        journalLine("\t\t\t\"name\" : \"Assertion '_M_get() != nullptr' failed.\",");
     EXPECT_EQ(judgeJournal(shown(lines)).verdict, Verdict::OK);
-    EXPECT_EQ(judgeJournal(shown(lines)).text, "no error in the last 2 lines");
+    EXPECT_EQ(judgeJournal(shown(lines)).text, "no error in the last 4 lines");
+}
+
+/// How the lines in the table of errors begin.
+std::vector<std::string> documentedErrors() {
+    std::vector<std::string> errors;
+    std::ifstream document(PROJECT_SOURCE_DIRECTORY "/docs/operations.md");
+    bool isOfErrors = false;
+    for (std::string line; std::getline(document, line);) {
+        if (line.starts_with('#')) {
+            isOfErrors = line == "### Errors";
+        } else if (constexpr std::string_view ROW = "| `"; isOfErrors && line.starts_with(ROW)) {
+            errors.push_back(line.substr(ROW.size(), line.find('`', ROW.size()) - ROW.size()));
+        }
+    }
+    return errors;
+}
+
+TEST(JudgeUnits, EachDocumentedErrorWantsALook) {
+    const std::vector<std::string> errors = documentedErrors();
+    EXPECT_GE(errors.size(), 20U);
+    for (const std::string& error : errors) {
+        EXPECT_EQ(judgeJournal(shown(journalLine(error))).verdict, Verdict::LOOK) << error;
+    }
 }
 
 TEST(JudgeUnits, AJournalShowsTheLastThreeErrors) {
     const std::string lines =
         journalLine("Error during send response for socket: 7") +
-        journalLine("PacketsHandler::_handlerRoutine, exception: std::bad_alloc") +
+        journalLine("_handlerRoutine, exception: std::bad_alloc") +
         journalLine("Failed to retrieve packet length") + journalLine("total cnt = 32") +
         journalLine("function: Assertion '_M_get() != nullptr' failed.");
     const Finding finding = judgeJournal(shown(lines));
     EXPECT_EQ(finding.verdict, Verdict::LOOK);
     EXPECT_EQ(finding.text,
               "errors in the last 5 lines: 4\n"
-              "2026-11-22T00:00:00+0000 PacketsHandler::_handlerRoutine, exception: "
-              "std::bad_alloc\n"
+              "2026-11-22T00:00:00+0000 _handlerRoutine, exception: std::bad_alloc\n"
               "2026-11-22T00:00:00+0000 Failed to retrieve packet length\n"
               "2026-11-22T00:00:00+0000 function: Assertion '_M_get() != nullptr' failed.");
 }

@@ -43,17 +43,17 @@ Finding judgeActive(UnitProperties& unit) {
     return {UNIT_SUBJECT, Verdict::OK, text + ", no restart"};
 }
 
-/// Whether a line of the log asks for something. Texts of clients and of the RTOS may say anything.
+/// Whether a line of the log asks for something, as operations.md has it. Texts of clients and of the
+/// RTOS, which may say anything, stand within lines.
 bool isComplaint(std::string_view line) {
-    static constexpr std::array<std::string_view, 4> BEGINNINGS{
-        "Error", "Exception is caught", "Failed to retrieve packet length", "Wrong json key"};
-    static constexpr std::array<std::string_view, 3> PARTS{
-        "Routine, exception: ", "Thread, exception: ", "Assertion '_M_get() != nullptr'"};
-    return std::any_of(BEGINNINGS.begin(), BEGINNINGS.end(),
-                       [line](std::string_view text) { return line.starts_with(text); }) ||
-           std::any_of(PARTS.begin(), PARTS.end(), [line](std::string_view text) {
-               return line.find(text) != std::string_view::npos;
-           });
+    static constexpr auto BEGINNINGS = std::to_array<std::string_view>(
+        {"Cannot allocate memory", "Error", "Exceeded stackLimit", "Exception is caught",
+         "Failed to retrieve packet length", "Too many open files", "Wrong json key",
+         "_clientRoutine, exception: ", "_handlerRoutine, exception: ",
+         "_serverRoutine, exception: ", "responseThread, exception: "});
+    return line.ends_with("Assertion '_M_get() != nullptr' failed.") ||
+           std::any_of(BEGINNINGS.begin(), BEGINNINGS.end(),
+                       [line](std::string_view text) { return line.starts_with(text); });
 }
 
 /// "TIME TEXT" of "TIME MACHINE PROGRAM[PROCESS]: TEXT" where the text is a complaint.
