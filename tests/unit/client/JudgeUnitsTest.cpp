@@ -110,11 +110,11 @@ TEST(JudgeUnits, EachDocumentedErrorWantsALook) {
 }
 
 TEST(JudgeUnits, AJournalShowsTheLastThreeErrors) {
-    const std::string lines =
-        journalLine("Error during send response for socket: 7") +
-        journalLine("_handlerRoutine, exception: std::bad_alloc") +
-        journalLine("Failed to retrieve packet length") + journalLine("total cnt = 32") +
-        journalLine("function: Assertion '_M_get() != nullptr' failed.");
+    const std::string lines = journalLine("Error during send response for socket: 7") +
+                              journalLine("_handlerRoutine, exception: std::bad_alloc") +
+                              journalLine("Failed to retrieve packet length") +
+                              journalLine("total cnt = 32") +
+                              journalLine("function: Assertion '_M_get() != nullptr' failed.");
     const Finding finding = judgeJournal(shown(lines));
     EXPECT_EQ(finding.verdict, Verdict::LOOK);
     EXPECT_EQ(finding.text,

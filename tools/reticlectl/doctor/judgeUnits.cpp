@@ -89,10 +89,12 @@ std::vector<std::string> showUnit(const std::string& unit) {
 }
 
 std::vector<std::string> readJournal() {
+    // The service may log into a journal of its own.
     return {"journalctl",
             "--no-pager",
             "--quiet",
             "--boot",
+            "--namespace=*",
             "--lines=2000",
             "--output=short-iso",
             "--unit=reticled.service"};
@@ -170,7 +172,8 @@ Finding judgeJournal(const std::optional<ProgramRun>& journal) {
         text += '\n' + complaints[at];
     }
     return {JOURNAL_SUBJECT, Verdict::LOOK, text,
-            "journalctl --unit reticled.service has all; operations.md says what each asks for"};
+            "journalctl --namespace='*' --unit reticled.service has all; operations.md says what "
+            "each asks for"};
 }
 
 }  // namespace reticlectl
