@@ -132,7 +132,7 @@ TEST_F(TraceTest, ATakenPortIsUsage) {
     EXPECT_EQ(second.status, Reticlectl::USAGE);
     EXPECT_EQ(second.error,
               "reticlectl: cannot listen on 127.0.0.1:3452: Address already in use: choose another "
-              "port with --listen\n");
+              "address or port with --listen\n");
     for (const char* wrong : {"3452", "localhost:3452", "127.0.0.1:0", "127.0.0.1:"}) {
         EXPECT_EQ(Reticlectl::run({"trace", "--listen", wrong}).status, Reticlectl::USAGE) << wrong;
     }

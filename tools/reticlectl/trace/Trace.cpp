@@ -47,7 +47,7 @@ tcp::acceptor listenOn(asio::io_context& io, const std::string& address) {
     } catch (const std::system_error& error) {
         throw Failure(ExitStatus::USAGE, "cannot listen on " + address + ": " +
                                              error.code().message() +
-                                             ": choose another port with --listen");
+                                             ": choose another address or port with --listen");
     }
 }
 
