@@ -26,11 +26,6 @@ constexpr const char* FOOTER =
 constexpr const char* HOST_OPTION = "--host";
 constexpr const char* PORT_OPTION = "--port";
 
-std::string checkPort(const std::string& text) {
-    constexpr int LAST_PORT = 65535;
-    return checkNumber(text, 1, LAST_PORT);
-}
-
 /// The variable's text where the option is not given; nothing for an empty one.
 std::string environmentFor(const CLI::App& app, const char* option, const char* variable) {
     const char* const value = std::getenv(variable);

@@ -1,6 +1,7 @@
 #include "tools/reticlectl/commands/NumberArguments.h"
 
 #include <charconv>
+#include <cstdint>
 #include <limits>
 #include <sstream>
 #include <system_error>
@@ -20,6 +21,10 @@ std::string checkNumber(const std::string& text, int smallest, int largest) {
 
 std::string checkIndex(const std::string& text) {
     return checkNumber(text, 0, std::numeric_limits<int>::max());
+}
+
+std::string checkPort(const std::string& text) {
+    return checkNumber(text, 1, std::numeric_limits<std::uint16_t>::max());
 }
 
 std::string checkSeconds(const std::string& text) {

@@ -12,6 +12,8 @@ namespace reticlectl {
 
 [[nodiscard]] std::string checkIndex(const std::string& text);
 
+[[nodiscard]] std::string checkPort(const std::string& text);
+
 /// Declares the argument INDEX of a command.
 /// \param value an int, or a vector of them for a command that takes several; must outlive the
 /// parsing.

@@ -24,9 +24,8 @@ using asio::ip::tcp;
 constexpr std::chrono::milliseconds ACCEPT_RETRY{100};
 
 std::optional<tcp::endpoint> endpointFrom(const std::string& text) {
-    constexpr int LAST_PORT = 65535;
     const std::size_t colon = text.rfind(':');
-    if (colon == std::string::npos || !checkNumber(text.substr(colon + 1), 1, LAST_PORT).empty()) {
+    if (colon == std::string::npos || !checkPort(text.substr(colon + 1)).empty()) {
         return std::nullopt;
     }
     std::string host = text.substr(0, colon);
