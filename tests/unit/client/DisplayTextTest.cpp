@@ -77,6 +77,12 @@ TEST(Wrapped, BreaksAtBlanksOrWhereItMust) {
     EXPECT_EQ(wrapped("\xE5\x8D\x81\xE5\x8D\x81", 3), "\xE5\x8D\x81\n\xE5\x8D\x81\n");
 }
 
+TEST(Counted, OneThingHasNoPlural) {
+    EXPECT_EQ(counted(0, "byte"), "0 bytes");
+    EXPECT_EQ(counted(1, "byte"), "1 byte");
+    EXPECT_EQ(counted(2, "byte"), "2 bytes");
+}
+
 }  // namespace
 
 }  // namespace reticlectl

@@ -50,8 +50,8 @@ Finding examineList(const Session& session) {
     try {
         const std::size_t count = session.list().reticles.size();
         const Milliseconds time = std::chrono::steady_clock::now() - start;
-        const std::string text = std::to_string(count) + " reticles from " + session.peer() +
-                                 ", in " + millisecondsText(time) + " ms";
+        const std::string text = counted(count, "reticle") + " from " + session.peer() + ", in " +
+                                 millisecondsText(time) + " ms";
         return count > 0 ? Finding{"list", Verdict::OK, text}
                          : Finding{"list", Verdict::LOOK, text,
                                    "where there should be some, the list file cannot be read: see "

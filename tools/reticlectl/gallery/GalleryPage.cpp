@@ -30,10 +30,6 @@ constexpr const char* SVG_TYPE = "image/svg+xml";
 constexpr const char* DOT_TEMPLATE =
     R"(<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 1 1"><rect width="1" height="1" fill="{{colour}}"/></svg>)";
 
-std::string counted(std::size_t count, const std::string& what) {
-    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
-}
-
 data groundChoices(std::string_view chosen) {
     list all;
     for (const Ground& ground : grounds()) {

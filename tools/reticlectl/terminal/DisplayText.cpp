@@ -156,4 +156,8 @@ std::string shortened(std::string_view text, std::size_t columns) {
     return std::string(text.substr(0, bytes)).append(ELLIPSIS);
 }
 
+std::string counted(std::size_t count, const std::string& thing) {
+    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
+}
+
 }  // namespace reticlectl

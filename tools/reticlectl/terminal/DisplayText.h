@@ -32,4 +32,7 @@ namespace reticlectl {
 /// \param text printable, UTF-8.
 [[nodiscard]] std::string shortened(std::string_view text, std::size_t columns);
 
+/// "1 byte", "2 bytes".
+[[nodiscard]] std::string counted(std::size_t count, const std::string& thing);
+
 }  // namespace reticlectl

@@ -39,10 +39,6 @@ std::string worldTime(SystemClock::time_point moment) {
     return timeText(*::gmtime_r(&seconds, &time), "%FT%T", moment) + 'Z';
 }
 
-std::string counted(std::size_t count, const std::string& thing) {
-    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
-}
-
 /// What a person sees of an action or result.
 std::string shownName(const std::string& name) {
     constexpr std::size_t SHOWN_COLUMNS = 60;
