@@ -1,7 +1,5 @@
 #include "tools/reticlectl/trace/ReplyReader.h"
 
-#include <algorithm>
-
 #include "client/FrameFormat.h"
 
 namespace reticlectl {

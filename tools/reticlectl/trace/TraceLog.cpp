@@ -109,7 +109,7 @@ std::string hexOf(std::string_view bytes) {
 void TraceLog::listening(const std::string& address) const {
     Json::Value event = named("listening");
     event["address"] = address;
-    event["service"] = printable(_session.peer());
+    event["service"] = _session.peer();
     _print(0, "listening on " + address + " for clients of " + _session.peer(), std::move(event));
 }
 
