@@ -4,9 +4,9 @@
 #include <string_view>
 
 #include "client/Request.h"
-#include "client/RequestCheck.h"
+#include "tools/reticlectl/trace/RequestCheck.h"
 
-namespace reticle {
+namespace reticlectl {
 
 namespace {
 
@@ -15,7 +15,7 @@ using Outcome = RequestCheck::Outcome;
 /// The mistakes of a body, one a line.
 std::string mistakesOf(std::string_view body) {
     std::string lines;
-    for (const Mistake& mistake : RequestCheck::of(body).mistakes) {
+    for (const reticle::Mistake& mistake : RequestCheck::of(body).mistakes) {
         lines += mistake.what + '\n';
     }
     return lines;
@@ -39,8 +39,9 @@ void expectDoubted(std::string_view body, const std::string& what) {
 
 TEST(RequestCheck, TheLibrarysOwnRequestsHaveNoMistake) {
     for (const std::string& body :
-         {listRequest(), activateRequest(3), addRequest({"Ring 1°", "<svg/>"}),
-          updateRequest(0, {"", "x"}), removeRequest(7)}) {
+         {reticle::listRequest(), reticle::activateRequest(3),
+          reticle::addRequest({"Ring 1°", "<svg/>"}), reticle::updateRequest(0, {"", "x"}),
+          reticle::removeRequest(7)}) {
         EXPECT_EQ(mistakesOf(body), "") << body;
         EXPECT_EQ(outcomeOf(body), Outcome::ANSWERED);
     }
@@ -57,7 +58,7 @@ TEST(RequestCheck, WhatTheServiceReadsOverIsNoMistake) {
         EXPECT_EQ(mistakesOf(body), "") << body;
         EXPECT_EQ(outcomeOf(body), Outcome::ANSWERED) << body;
     }
-    EXPECT_EQ(mistakesOf(listRequest() + '\0' + '{'), "");
+    EXPECT_EQ(mistakesOf(reticle::listRequest() + '\0' + '{'), "");
 }
 
 TEST(RequestCheck, NoJsonIsToldWithLineAndColumn) {
@@ -174,4 +175,4 @@ TEST(RequestCheck, OfManyMistakesTheFirstAreTold) {
 
 }  // namespace
 
-}  // namespace reticle
+}  // namespace reticlectl

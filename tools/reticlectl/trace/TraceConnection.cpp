@@ -173,9 +173,9 @@ bool TraceConnection::_judge(const RequestCutter::Piece& piece) {
 }
 
 bool TraceConnection::_judgeFrame(const RequestCutter::Piece& piece) {
-    using Outcome = reticle::RequestCheck::Outcome;
+    using Outcome = RequestCheck::Outcome;
     const std::string_view body = piece.body();
-    reticle::RequestCheck check = reticle::RequestCheck::of(body);
+    RequestCheck check = reticle::RequestCheck::of(body);
     if (piece.kind == Kind::CUT_FRAME) {
         check.mistakes.insert(
             check.mistakes.begin(),

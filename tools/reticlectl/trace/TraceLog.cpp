@@ -45,8 +45,8 @@ std::string shownName(const std::string& name) {
     return shortened(printable(name), SHOWN_COLUMNS);
 }
 
-std::string shownAction(const reticle::RequestCheck& check) {
-    if (check.outcome == reticle::RequestCheck::Outcome::ENDS_SERVICE) {
+std::string shownAction(const RequestCheck& check) {
+    if (check.outcome == RequestCheck::Outcome::ENDS_SERVICE) {
         // Blanks at its end are to be seen.
         return '"' + shownName(check.action) + '"';
     }
@@ -121,8 +121,8 @@ std::size_t TraceLog::connected(const std::string& peer) {
     return _connections;
 }
 
-void TraceLog::request(std::size_t connection, const reticle::RequestCheck& check,
-                       std::string_view body, bool isPassedOn) {
+void TraceLog::request(std::size_t connection, const RequestCheck& check, std::string_view body,
+                       bool isPassedOn) {
     ++_requests;
     _heldBack += isPassedOn ? 0 : 1;
     Json::Value event = withText(named("request"), body.size(), body);

@@ -10,9 +10,9 @@
 #include <string_view>
 
 #include "client/Mistake.h"
-#include "client/RequestCheck.h"
 #include "tools/reticlectl/commands/PingStatistics.h"
 #include "tools/reticlectl/commands/Session.h"
+#include "tools/reticlectl/trace/RequestCheck.h"
 
 namespace reticlectl {
 
@@ -28,7 +28,7 @@ public:
     /// \return the number that the connection is told by.
     [[nodiscard]] std::size_t connected(const std::string& peer);
 
-    void request(std::size_t connection, const reticle::RequestCheck& check, std::string_view body,
+    void request(std::size_t connection, const RequestCheck& check, std::string_view body,
                  bool isPassedOn);
 
     /// Bytes that make no frame.

@@ -7,7 +7,7 @@
 
 #include "client/Mistake.h"
 
-namespace reticle {
+namespace reticlectl {
 
 /// What the service makes of a request's body, and what its author may not have meant.
 struct RequestCheck {
@@ -23,10 +23,10 @@ struct RequestCheck {
     Outcome outcome = Outcome::ANSWERED;
     /// As the service reads it, of any content and length; empty where there is none.
     std::string action;
-    std::vector<Mistake> mistakes;
+    std::vector<reticle::Mistake> mistakes;
 
     /// Takes memory of up to a hundred times the body's size as long as it runs. Any thread.
     [[nodiscard]] static RequestCheck of(std::string_view body);
 };
 
-}  // namespace reticle
+}  // namespace reticlectl

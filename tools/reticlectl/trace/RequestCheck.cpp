@@ -1,4 +1,4 @@
-#include "client/RequestCheck.h"
+#include "tools/reticlectl/trace/RequestCheck.h"
 
 #include <json/json.h>
 
@@ -10,9 +10,14 @@
 #include "client/ActionNames.h"
 #include "client/Utf8.h"
 
-namespace reticle {
+namespace reticlectl {
 
 namespace {
+
+using reticle::ACTIVATE_ACTION;
+using reticle::ADD_OR_UPDATE_ACTION;
+using reticle::DELETE_ACTION;
+using reticle::LIST_ACTION;
 
 constexpr const char* SEND_JSON = "send one JSON text in UTF-8; there is no reply";
 constexpr const char* SEND_INTEGER = "send an integer from -2147483648 to 2147483647";
@@ -31,7 +36,7 @@ void drop(RequestCheck& check, std::string what, std::string remedy) {
 }
 
 /// A text of the client's in double quotes, its begin where it is long.
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
     constexpr std::size_t SHOWN_BYTES = 60;
     return '"' + std::string(text.substr(0, SHOWN_BYTES)) +
            (text.size() > SHOWN_BYTES ? "..." : "") + '"';
@@ -199,8 +204,8 @@ void checkUnknownAction(RequestCheck& check) {
         ACTIONS.begin(), ACTIONS.end(),
         [&check](std::string_view known) { return simplified(known) == simplified(check.action); });
     check.outcome = RequestCheck::Outcome::ENDS_SERVICE;
-    add(check, "no action of the service and would end it: " + quoted(check.action),
-        meant != ACTIONS.end() ? "send " + quoted(*meant) + ", byte for byte"
+    add(check, "no action of the service and would end it: " + inQuotes(check.action),
+        meant != ACTIONS.end() ? "send " + inQuotes(*meant) + ", byte for byte"
                                : "send one of the four actions, byte for byte");
 }
 
@@ -243,7 +248,7 @@ RequestCheck RequestCheck::of(std::string_view body) {
     Json::Value root;
     if (parse(text, root, check)) {
         checkObject(root, check);
-        if (const auto invalid = findInvalidUtf8(text)) {
+        if (const auto invalid = reticle::findInvalidUtf8(text)) {
             add(check, "byte " + std::to_string(*invalid) + " of the body is no UTF-8",
                 "send texts in UTF-8");
         }
@@ -251,4 +256,4 @@ RequestCheck RequestCheck::of(std::string_view body) {
     return check;
 }
 
-}  // namespace reticle
+}  // namespace reticlectl
