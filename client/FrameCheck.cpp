@@ -5,7 +5,6 @@
 #include <string>
 
 #include "client/FrameFormat.h"
-#include "client/Request.h"
 
 namespace reticle {
 
@@ -13,9 +12,6 @@ namespace {
 
 constexpr const char* WRITE_SYNC = "begin each frame with the bytes 00 01 02 ... 1F";
 constexpr std::size_t LAST_SYNC = FRAME_SYNC_BYTES - 1;
-/// So large a length has more likely been written the other way round.
-constexpr std::uint32_t UNLIKELY = 0x1000000U;
-constexpr std::uint32_t FIRST_NEGATIVE = 0x80000000U;
 
 std::size_t valueAt(std::string_view bytes, std::size_t at) {
     return static_cast<unsigned char>(bytes[at]);
@@ -68,32 +64,6 @@ std::string describe(std::string_view sync, std::size_t wrong) {
            hex(wrong);
 }
 
-std::string announced(std::uint32_t bodyBytes) {
-    return std::to_string(bodyBytes) + " bytes announced";
-}
-
-bool isTaken(std::uint32_t bodyBytes) {
-    return bodyBytes > 0 && bodyBytes < REQUEST_LIMIT_BYTES;
-}
-
-std::optional<Mistake> findLengthMistake(std::uint32_t bodyBytes) {
-    if (isTaken(bodyBytes)) {
-        return std::nullopt;
-    }
-    if (bodyBytes >= UNLIKELY && isTaken(theOtherWayRound(bodyBytes))) {
-        return Mistake{announced(bodyBytes) + ", " + std::to_string(theOtherWayRound(bodyBytes)) +
-                           " the other way round",
-                       "write the length with its most significant byte first"};
-    }
-    if (bodyBytes == 0) {
-        return Mistake{announced(bodyBytes), "write the length of the body, and send a body"};
-    }
-    return Mistake{
-        announced(bodyBytes) +
-            (bodyBytes >= FIRST_NEGATIVE ? ", which the service takes for a negative number" : ""),
-        "send a body of less than " + std::to_string(REQUEST_LIMIT_BYTES) + " bytes"};
-}
-
 }  // namespace
 
 std::optional<Mistake> findSyncMistake(std::string_view bytes) {
@@ -107,20 +77,6 @@ std::optional<Mistake> findSyncMistake(std::string_view bytes) {
                        "put a header of 36 bytes in front of each body"};
     }
     return Mistake{describe(sync, wrong), WRITE_SYNC};
-}
-
-std::optional<Mistake> findHeaderMistake(std::string_view bytes) {
-    const auto mistake = findSyncMistake(bytes);
-    return mistake || bytes.size() < FRAME_HEADER_BYTES
-               ? mistake
-               : findLengthMistake(announcedBodyBytes(bytes));
-}
-
-std::uint32_t theOtherWayRound(std::uint32_t bodyBytes) {
-    const FrameHeader header = frameHeader(bodyBytes);
-    return announcedBodyBytes(
-        std::string(header.rbegin(), header.rbegin() + (FRAME_HEADER_BYTES - FRAME_SYNC_BYTES))
-            .insert(0, FRAME_SYNC_BYTES, '\0'));
 }
 
 }  // namespace reticle

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "client/FrameCheck.h"
 #include "client/FrameFormat.h"
+#include "tools/reticlectl/trace/HeaderCheck.h"
 
 namespace reticlectl {
 
@@ -21,7 +21,7 @@ std::optional<RequestCutter::Piece> RequestCutter::next() {
     if (_refusedLeft > 0) {
         return _cutRefused(Kind::REFUSED_REST);
     }
-    if (reticle::findHeaderMistake(_held)) {
+    if (findHeaderMistake(_held)) {
         _refusedLeft = FRAME_HEADER_BYTES;
         return _cutRefused(Kind::REFUSED_HEADER);
     }

@@ -12,6 +12,7 @@
 #include "client/FrameCheck.h"
 #include "client/FrameFormat.h"
 #include "tools/reticlectl/commands/NumberArguments.h"
+#include "tools/reticlectl/trace/HeaderCheck.h"
 
 namespace reticlectl {
 
@@ -46,7 +47,7 @@ std::string ofAll(std::size_t count, std::size_t all) {
 
 /// Of a piece that is no frame.
 reticle::Mistake mistakeOf(const RequestCutter::Piece& piece) {
-    if (const auto mistake = reticle::findHeaderMistake(piece.bytes)) {
+    if (const auto mistake = findHeaderMistake(piece.bytes)) {
         return {mistake->what, mistake->remedy + "; " + OPEN_ANEW};
     }
     return {"header cut short: " + ofAll(piece.bytes.size(), reticle::FRAME_HEADER_BYTES),
@@ -175,7 +176,7 @@ bool TraceConnection::_judge(const RequestCutter::Piece& piece) {
 bool TraceConnection::_judgeFrame(const RequestCutter::Piece& piece) {
     using Outcome = RequestCheck::Outcome;
     const std::string_view body = piece.body();
-    RequestCheck check = reticle::RequestCheck::of(body);
+    RequestCheck check = RequestCheck::of(body);
     if (piece.kind == Kind::CUT_FRAME) {
         check.mistakes.insert(
             check.mistakes.begin(),
@@ -322,7 +323,7 @@ void TraceConnection::_tellIncomplete() {
         return;
     }
     const std::uint32_t announced = reticle::announcedBodyBytes(held);
-    const std::uint32_t turned = reticle::theOtherWayRound(announced);
+    const std::uint32_t turned = theOtherWayRound(announced);
     _context.log.remark(_number,
                         {ofAll(held.size() - reticle::FRAME_HEADER_BYTES, announced) +
                              " of a body have come, and no more",
