@@ -62,14 +62,16 @@ TEST_F(CppExampleTest, WrongArgumentsGetTheUsage) {
 
 TEST_F(CppExampleTest, TheEnvironmentNamesTheDevice) {
     library.buildWithPkgConfig(SOURCE, "/tmp/FL0/list-reticles");
-    EXPECT_EQ(
-        run({"env", "RETICLED_HOST=127.0.0.1", "RETICLED_PORT=3451", "/tmp/FL0/list-reticles"})
-            .status,
-        0);
-    EXPECT_EQ(run({"env", "RETICLED_PORT=3450", "/tmp/FL0/list-reticles"}).status, 1);
-    EXPECT_EQ(run({"env", "RETICLED_PORT=70000", "/tmp/FL0/list-reticles"}).status, 2);
-    EXPECT_EQ(run({"env", "RETICLED_HOST=127.0.0.9", "/tmp/FL0/list-reticles", "127.0.0.1"}).status,
-              0);
+    const std::string program = "/tmp/FL0/list-reticles";
+    EXPECT_EQ(run({"env", "RETICLED_HOST=", "RETICLED_PORT=", program}).status, 0);
+    // Nobody can be there.
+    const Run elsewhere = run({"env", "RETICLED_HOST=192.0.2.1", "RETICLED_PORT=3450", program});
+    EXPECT_EQ(elsewhere.status, 1);
+    EXPECT_NE(elsewhere.error.find("192.0.2.1:3450"), std::string::npos) << elsewhere.error;
+    EXPECT_EQ(run({"env", "RETICLED_HOST=192.0.2.1", program, "127.0.0.1"}).status, 0);
+    for (const std::string port : {"70000", "0", "-1", "http"}) {
+        EXPECT_EQ(run({"env", "RETICLED_PORT=" + port, program}).status, 2) << port;
+    }
 }
 
 TEST_F(CppExampleTest, TheDocumentsFirstProgramListsTheReticles) {
