@@ -52,9 +52,13 @@ TEST_F(PythonExampleTest, List) {
 }
 
 TEST_F(PythonExampleTest, TheEnvironmentNamesTheDeviceWhereTheCommandLineDoesNot) {
-    ASSERT_EQ(setenv("RETICLED_HOST", "localhost", 1), 0);
-    ASSERT_EQ(setenv("RETICLED_PORT", "3451", 1), 0);
-    EXPECT_EQ(outputOf({"list"}), FACTORY);
+    ASSERT_EQ(setenv("RETICLED_HOST", "192.0.2.1", 1), 0);  // nobody can be there
+    ASSERT_EQ(setenv("RETICLED_PORT", "3450", 1), 0);
+    EXPECT_EQ(
+        runExample({"list"}).error,
+        "reticles.py: cannot connect to 192.0.2.1:3450: [Errno 101] Network is unreachable\n");
+    EXPECT_EQ(outputOf({"--host", "127.0.0.1", "--port", "3451", "list"}), FACTORY);
+    ASSERT_EQ(setenv("RETICLED_HOST", "", 1), 0);
     ASSERT_EQ(setenv("RETICLED_PORT", "http", 1), 0);
     EXPECT_EQ(runExample({"list"}).error,
               "reticles.py: RETICLED_PORT: 'http' is not a number from 1 to 65535\n");

@@ -426,12 +426,11 @@ TEST_F(CommandLine, AMisspeltCommandGetsTheOneThatIsNearest) {
 }
 
 TEST_F(CommandLine, TheEnvironmentNamesTheDevice) {
-    std::vector<std::string> requests;
-    const FakeService service(answering(encodeFrame(ONE_RETICLE), &requests));
-    ::setenv("RETICLED_HOST", "localhost", 1);
-    ::setenv("RETICLED_PORT", std::to_string(service.port()).c_str(), 1);
-    EXPECT_EQ(runProgram({"list"}).out, ONE_RETICLE_TABLE);
-    EXPECT_EQ(requests.size(), 1U);
+    const auto port = std::to_string(reticle::test::unusedPort());
+    ::setenv("RETICLED_HOST", "127.0.0.2", 1);
+    ::setenv("RETICLED_PORT", port.c_str(), 1);
+    expectOneErrorLine(runProgram({"list"}), ExitStatus::CANNOT_CONNECT,
+                       "cannot connect to 127.0.0.2:" + port + ": ");
 }
 
 TEST_F(CommandLine, TheCommandLineBeatsTheEnvironment) {
