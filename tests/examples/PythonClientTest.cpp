@@ -75,6 +75,21 @@ print(len(device.list()))
               "8\n");
 }
 
+TEST_F(PythonClientTest, ATimeOutIsNoReplyWithThePythonThatHasAnErrorOfItsOwnForItToo) {
+    EXPECT_EQ(outputOf(R"(
+import socket
+class SocketTimeout(OSError):
+    pass
+class Silence(socket.socket):
+    def recv(self, count):
+        raise SocketTimeout("timed out")
+socket.timeout = SocketTimeout
+device._socket = Silence(fileno=device._socket.detach())
+fails(device.list)
+)"),
+              "NoReply no reply from 127.0.0.1:3451 within 2 s\n");
+}
+
 TEST_F(PythonClientTest, WhatCannotBeSentIsNotSent) {
     EXPECT_EQ(outputOf(R"(
 before = device._socket
@@ -126,10 +141,13 @@ for _ in replies:
 TEST_F(PythonClientTest, WrongArgumentsAreNamed) {
     EXPECT_EQ(outputOf(R"(
 fails(ReticleClient, "host", 65536)
-fails(ReticleClient, "host", 1, 0)
+for timeout in 0, float("nan"), float("inf"):
+    fails(ReticleClient, "host", 1, timeout)
 )"),
               "ValueError port: 65536 is not a number from 1 to 65535\n"
-              "ValueError timeout: 0 is not more than 0\n");
+              "ValueError timeout: 0 is not more than 0 and at most 86400\n"
+              "ValueError timeout: nan is not more than 0 and at most 86400\n"
+              "ValueError timeout: inf is not more than 0 and at most 86400\n");
 }
 
 }  // namespace

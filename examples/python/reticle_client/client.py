@@ -17,6 +17,7 @@ from reticle_client.errors import CannotConnect, MalformedReply, NoReply, Refuse
 DEFAULT_HOST = "127.0.0.1"
 DEFAULT_PORT = 3451
 REQUEST_LIMIT_BYTES = 4194304
+LONGEST_TIMEOUT_S = 86400
 SYNC = bytes(range(32))
 
 T = TypeVar("T")
@@ -52,13 +53,14 @@ class ReticleClient:
         """Names the device; the first call connects.
 
         What is not given comes from RETICLED_HOST and RETICLED_PORT, else it is 127.0.0.1 and 3451.
-        The timeout, in seconds, more than 0, bounds each request with its reply, connecting included, but for
-        the look-up of a host name. Raises ValueError for a port that is none, or a timeout of 0 or less.
+        The timeout, in seconds, bounds each request with its reply, connecting included; a host of several
+        addresses may take as long for each, and the look-up of its name is not bounded. Raises ValueError for a
+        port that is none, or a timeout that is not more than 0 and at most 86400.
         """
         self.host = host if host is not None else os.environ.get("RETICLED_HOST") or DEFAULT_HOST
         self.port = _checked_port(port, "port") if port is not None else _port_of_environment()
-        if not timeout > 0:
-            raise ValueError(f"timeout: {timeout} is not more than 0")
+        if not 0 < timeout <= LONGEST_TIMEOUT_S:
+            raise ValueError(f"timeout: {timeout} is not more than 0 and at most {LONGEST_TIMEOUT_S}")
         self.timeout = timeout
         self._socket: socket.socket | None = None
 
@@ -124,7 +126,7 @@ class ReticleClient:
                 raise MalformedReply(f"{self._peer()} is not the reticle service: no sync sequence")
             (length,) = struct.unpack(">I", header[len(SYNC) :])
             return _receive(connection, length, deadline)
-        except TimeoutError:
+        except (TimeoutError, socket.timeout):  # one and the same from Python 3.10 on
             raise NoReply(f"no reply from {self._peer()} within {self.timeout:g} s") from None
         except OSError as error:
             raise NoReply(f"no reply from {self._peer()}: {error}") from error
