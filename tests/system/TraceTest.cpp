@@ -166,14 +166,6 @@ protected:
     TracingProcess trace{{"--timeout", "60"}};
 };
 
-TEST_F(TracedBytesTest, MoreRequestsThanTheServiceKeepsAreTold) {
-    FrameClient client = tracedClient();
-    const Connection service = accepted();
-    client.sendBytes(repeated(encodeFrame(LIST), 16));
-    EXPECT_TRUE(
-        trace.eventuallyPrints("! 16 requests are under way, and 15 may wait in the service: "));
-}
-
 TEST_F(TracedBytesTest, ASessionPassesUnchangedBothWays) {
     FrameClient client = tracedClient();
     Connection service = accepted();

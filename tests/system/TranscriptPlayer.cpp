@@ -16,6 +16,7 @@ namespace {
 // reply shows whether another came before it.
 constexpr std::chrono::milliseconds NO_REPLY_WAIT{300};
 
+constexpr int ANY_BUFFER = 0;
 constexpr const char* HEX = " hex";
 constexpr const char* NOTHING = " nothing";
 constexpr std::string_view STORAGE_ROOT = "/tmp/FL0/";
@@ -27,6 +28,17 @@ std::string belowStorageRoot(const std::string& path) {
     return path.substr(STORAGE_ROOT.size());
 }
 
+/// "" means once, " 16 times" what it says.
+int timesIn(const std::string& what) {
+    if (what.empty()) {
+        return 1;
+    }
+    std::size_t digits = 0;
+    const int times = std::stoi(what, &digits);
+    EXPECT_EQ(what.substr(digits), " times");
+    return times;
+}
+
 const std::string& textOf(const sim::Step& step) {
     if (!step.text) {
         throw std::runtime_error("the step has no text");
@@ -36,8 +48,8 @@ const std::string& textOf(const sim::Step& step) {
 
 }  // namespace
 
-TranscriptPlayer::TranscriptPlayer(const FlashFiles& flash, std::uint16_t port) : _flash(flash) {
-    constexpr int ANY_BUFFER = 0;
+TranscriptPlayer::TranscriptPlayer(const FlashFiles& flash, std::uint16_t port)
+    : _flash(flash), _port(port) {
     _service.waitUntilListening();
     _client.emplace(ANY_BUFFER, port);
 }
@@ -60,9 +72,10 @@ void TranscriptPlayer::_play(const sim::Step& step) {
         void (TranscriptPlayer::*play)(const std::string& object, const sim::Step& step);
     };
     // "file " comes last: the other verbs of files begin with it.
-    constexpr std::array<Verb, 9> VERBS{
+    constexpr std::array<Verb, 10> VERBS{
         {{"client sends", &TranscriptPlayer::_sendFromClient},
          {"client receives", &TranscriptPlayer::_receiveAtClient},
+         {"client connects anew", &TranscriptPlayer::_connectClient},
          {"client half-closes", &TranscriptPlayer::_halfCloseClient},
          {"client closes", &TranscriptPlayer::_closeClient},
          {"rtos receives", &TranscriptPlayer::_receiveAtRtos},
@@ -85,8 +98,9 @@ void TranscriptPlayer::_sendFromClient(const std::string& what, const sim::Step&
         _client->sendBytes(fromHex(textOf(step)));
         return;
     }
-    EXPECT_EQ(what, "");
-    _client->sendFrame(textOf(step));
+    for (int times = timesIn(what); times > 0; --times) {
+        _client->sendFrame(textOf(step));
+    }
 }
 
 void TranscriptPlayer::_receiveAtClient(const std::string& what, const sim::Step& step) {
@@ -100,6 +114,12 @@ void TranscriptPlayer::_receiveAtClient(const std::string& what, const sim::Step
     }
     EXPECT_EQ(what, "");
     EXPECT_EQ(_client->readReply(), textOf(step));
+}
+
+void TranscriptPlayer::_connectClient(const std::string& rest, const sim::Step& /*step*/) {
+    EXPECT_EQ(rest, "");
+    EXPECT_TRUE(_client->connection().seesEnd());
+    _client.emplace(ANY_BUFFER, _port);
 }
 
 void TranscriptPlayer::_halfCloseClient(const std::string& rest, const sim::Step& /*step*/) {

@@ -25,6 +25,7 @@ private:
     // One operation for each verb; the first argument is what follows the verb.
     void _sendFromClient(const std::string& what, const sim::Step& step);
     void _receiveAtClient(const std::string& what, const sim::Step& step);
+    void _connectClient(const std::string& rest, const sim::Step& step);
     void _halfCloseClient(const std::string& rest, const sim::Step& step);
     void _closeClient(const std::string& rest, const sim::Step& step);
     void _receiveAtRtos(const std::string& rest, const sim::Step& step);
@@ -34,6 +35,7 @@ private:
     void _writeFile(const std::string& path, const sim::Step& step);
 
     const FlashFiles& _flash;
+    std::uint16_t _port;
     ScriptedRtos _rtos;
     Daemon _service;
     std::optional<FrameClient> _client;  ///< none once it has closed
