@@ -26,6 +26,7 @@ struct HttpRequest {
     std::string path;                            ///< without the query
     std::map<std::string, std::string> headers;  ///< names in lower case
     std::string body;
+    std::string peer;  ///< the address that it comes from
 
     /// The header `name`, in lower case; empty where there is none.
     [[nodiscard]] std::string header(const std::string& name) const {

@@ -29,8 +29,11 @@ std::string lowerCase(std::string text) {
 }
 
 HttpRequest requestOf(const mg_request_info& info) {
-    HttpRequest request{
-        info.request_method, info.local_uri == nullptr ? "" : info.local_uri, {}, {}};
+    HttpRequest request{info.request_method,
+                        info.local_uri == nullptr ? "" : info.local_uri,
+                        {},
+                        {},
+                        info.remote_addr};
     for (int i = 0; i < info.num_headers; ++i) {
         const mg_header& header = info.http_headers[i];
         request.headers.emplace(lowerCase(header.name), header.value);

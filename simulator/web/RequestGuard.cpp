@@ -39,12 +39,21 @@ bool RequestGuard::isForUs(const HttpRequest& request) const {
 }
 
 bool RequestGuard::isByThePage(const HttpRequest& request) const {
-    return request.header(TOKEN_HEADER) == _token && isLoopback(hostOf(request));
+    // Who is no browser may write any host.
+    return request.header(TOKEN_HEADER) == _token && isLoopback(hostOf(request)) &&
+           _isThisMachine(request.peer);
 }
 
 /// Under an address nobody else's page is found, so that any is good where all are served.
 bool RequestGuard::_isOurHost(const std::string& host) const {
     return isLoopback(host) || host == _host || (_host == ANY_ADDRESS && isAddress(host));
+}
+
+/// What is sent to an address of this machine comes from there.
+bool RequestGuard::_isThisMachine(const std::string& peer) const {
+    asio::error_code error;
+    const asio::ip::address_v4 address = asio::ip::make_address_v4(peer, error);
+    return !error && (address.is_loopback() || peer == _host);
 }
 
 }  // namespace sim

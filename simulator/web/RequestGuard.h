@@ -20,11 +20,13 @@ public:
     /// that somebody has lead here, and by no other page.
     [[nodiscard]] bool isForUs(const HttpRequest& request) const;
 
-    /// Whether a change is asked by the page itself, at this machine: whoever looks from elsewhere may only look.
+    /// Whether a change is asked by the page itself, under a name of this machine and from this machine: whoever
+    /// looks from elsewhere may only look.
     [[nodiscard]] bool isByThePage(const HttpRequest& request) const;
 
 private:
     [[nodiscard]] bool _isOurHost(const std::string& host) const;
+    [[nodiscard]] bool _isThisMachine(const std::string& peer) const;
 
     std::string _host;
     std::string _token;

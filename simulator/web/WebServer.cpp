@@ -157,7 +157,8 @@ HttpResponse WebServer::_stream() {
 HttpResponse WebServer::_command(const HttpRequest& request) const {
     if (!_guard.isByThePage(request)) {
         return refused(HTTP_FORBIDDEN,
-                       "Only the page itself gives commands, under 127.0.0.1 or localhost.\n");
+                       "Only the page itself gives commands, at the simulator's machine, under "
+                       "127.0.0.1 or localhost.\n");
     }
     try {
         return {HTTP_OK, JSON_TYPE, _device.command(parseWords(request.body)), PAGE_POLICY,

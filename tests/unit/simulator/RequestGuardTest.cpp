@@ -7,7 +7,7 @@ namespace {
 
 HttpRequest get(const std::string& host, const std::string& path = "/events",
                 const std::string& site = "same-origin") {
-    return {"GET", path, {{"host", host}, {"sec-fetch-site", site}}, ""};
+    return {"GET", path, {{"host", host}, {"sec-fetch-site", site}}, "", "127.0.0.1"};
 }
 
 TEST(RequestGuard, TakesLoopbackUnderAnyPort) {
@@ -24,7 +24,7 @@ TEST(RequestGuard, RefusesNamesAndOtherAddresses) {
         EXPECT_FALSE(guard.isForUs(get(host))) << host;
         EXPECT_FALSE(guard.isForUs(get(host, "/"))) << host;
     }
-    EXPECT_FALSE(guard.isForUs({"GET", "/", {}, ""}));
+    EXPECT_FALSE(guard.isForUs({"GET", "/", {}, "", "127.0.0.1"}));
 }
 
 TEST(RequestGuard, TakesTheAddressThatIsServedAsWell) {
@@ -50,21 +50,33 @@ TEST(RequestGuard, ServesOtherPagesNothingButALinkToThePage) {
     EXPECT_TRUE(guard.isForUs(get("127.0.0.1:8080", "/picture/0", "none")));
 }
 
-HttpRequest command(const std::string& host, const std::string& token) {
-    return {"POST", "/command", {{"host", host}, {"x-rtos-sim-token", token}}, ""};
+HttpRequest command(const std::string& host, const std::string& token,
+                    const std::string& peer = "127.0.0.1") {
+    return {"POST", "/command", {{"host", host}, {"x-rtos-sim-token", token}}, "", peer};
 }
 
 TEST(RequestGuard, KnowsThePageByItsToken) {
     const RequestGuard guard("127.0.0.1", "secret");
     EXPECT_TRUE(guard.isByThePage(command("127.0.0.1:8080", "secret")));
     EXPECT_FALSE(guard.isByThePage(command("127.0.0.1:8080", "guess")));
-    EXPECT_FALSE(guard.isByThePage({"POST", "/command", {{"host", "localhost"}}, ""}));
+    EXPECT_FALSE(guard.isByThePage({"POST", "/command", {{"host", "localhost"}}, "", "127.0.0.1"}));
 }
 
 TEST(RequestGuard, TakesChangesAtThisMachineOnly) {
     const RequestGuard guard("192.168.1.7", "secret");
     EXPECT_TRUE(guard.isByThePage(command("localhost:8080", "secret")));
     EXPECT_FALSE(guard.isByThePage(command("192.168.1.7:8080", "secret")));
+    // A connection to that address from where it is.
+    EXPECT_TRUE(guard.isByThePage(command("localhost:8080", "secret", "192.168.1.7")));
+}
+
+TEST(RequestGuard, TakesNoChangeFromElsewhereWhateverHostItNames) {
+    for (const char* address : {"0.0.0.0", "192.168.1.7"}) {
+        const RequestGuard guard(address, "secret");
+        for (const char* peer : {"192.168.1.8", "", "::1"}) {
+            EXPECT_FALSE(guard.isByThePage(command("localhost:8080", "secret", peer))) << peer;
+        }
+    }
 }
 
 }  // namespace
