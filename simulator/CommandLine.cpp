@@ -1,14 +1,14 @@
 #include "simulator/CommandLine.h"
 
-#include <charconv>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <CLI/CLI.hpp>
+
+#include "simulator/base/numberIn.h"
 
 namespace sim {
 
@@ -37,11 +37,8 @@ constexpr const char* SESSIONS_HELP =
 CLI::Option* addNumber(CLI::App& app, const std::string& name, auto& variable, std::size_t min,
                        std::size_t max, const std::string& description) {
     const auto check = [min, max](const std::string& text) {
-        std::size_t number = 0;
-        const char* const end = text.data() + text.size();
-        const auto parsed = std::from_chars(text.data(), end, number);
-        const bool isGood =
-            parsed.ec == std::errc() && parsed.ptr == end && number >= min && number <= max;
+        const auto number = numberIn<std::size_t>(text);
+        const bool isGood = number && *number >= min && *number <= max;
         return isGood ? ""
                       : "\"" + text + "\" is not a number from " + std::to_string(min) + " to " +
                             std::to_string(max);

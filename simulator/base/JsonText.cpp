@@ -51,6 +51,14 @@ std::vector<std::string> parseWords(const std::string& text) {
     return words;
 }
 
+Json::Value wordsJson(const std::vector<std::string>& words) {
+    Json::Value json(Json::arrayValue);
+    for (const std::string& word : words) {
+        json.append(word);
+    }
+    return json;
+}
+
 std::optional<Json::Value> parseLeniently(const std::string& text) {
     const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
     Json::Value value;

@@ -16,6 +16,9 @@ namespace sim {
 /// \throws std::runtime_error that says on one line what is wrong with it.
 [[nodiscard]] std::vector<std::string> parseWords(const std::string& text);
 
+/// An array of `words`.
+[[nodiscard]] Json::Value wordsJson(const std::vector<std::string>& words);
+
 /// Parses as the service does: comments are kept, and what follows the text is not looked at.
 /// \return none for what is no JSON
 [[nodiscard]] std::optional<Json::Value> parseLeniently(const std::string& text);

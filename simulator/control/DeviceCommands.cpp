@@ -1,14 +1,14 @@
 #include "simulator/control/DeviceCommands.h"
 
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
+#include "simulator/base/numberIn.h"
 #include "simulator/events/EventJson.h"
 
 namespace sim {
@@ -18,21 +18,12 @@ namespace {
 constexpr double MAX_DOWN_S = 3600;
 constexpr double MS_PER_S = 1000;
 
-/// \return the number that `text` is, from 0 on; -1 where it is none
-template <typename Number>
-Number numberIn(const std::string& text) {
-    Number number{};
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && stop == end && number >= Number{} ? number : Number{-1};
-}
-
 int indexIn(const std::string& word) {
-    const int index = numberIn<int>(word);
-    if (index < 0) {
+    const auto index = numberIn<int>(word);
+    if (!index || *index < 0) {
         throw std::runtime_error("'" + word + "' is not an index");
     }
-    return index;
+    return *index;
 }
 
 Fault faultIn(const std::string& word) {
@@ -57,11 +48,11 @@ std::chrono::milliseconds downTimeIn(const Words& words) {
     if (words.size() == 1) {
         return std::chrono::milliseconds(0);
     }
-    const double seconds = words.size() == 3 ? numberIn<double>(words[2]) : -1;
-    if (words[1] != "--down" || !(seconds >= 0 && seconds <= MAX_DOWN_S)) {
+    const auto seconds = words.size() == 3 ? numberIn<double>(words[2]) : std::nullopt;
+    if (words[1] != "--down" || !seconds || !(*seconds >= 0 && *seconds <= MAX_DOWN_S)) {
         throw std::runtime_error("after restart comes nothing, or --down and 0 to 3600 seconds");
     }
-    return std::chrono::milliseconds(std::lround(seconds * MS_PER_S));
+    return std::chrono::milliseconds(std::lround(*seconds * MS_PER_S));
 }
 
 void requireDone(const Answer& answer) {
@@ -185,12 +176,12 @@ std::optional<std::size_t> DeviceCommands::_exchangeIn(const std::string& when) 
     if (when == "next") {
         return next;
     }
-    const auto number = numberIn<long long>(when);
-    if (number < static_cast<long long>(next)) {
+    const auto number = numberIn<std::size_t>(when);
+    if (!number || *number < next) {
         throw std::runtime_error("'" + when +
                                  "' is neither next nor every nor an exchange to come");
     }
-    return static_cast<std::size_t>(number);
+    return *number;
 }
 
 Json::Value DeviceCommands::_armed() const {

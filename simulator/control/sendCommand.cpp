@@ -15,7 +15,6 @@
 
 #include "simulator/base/Files.h"
 #include "simulator/base/JsonText.h"
-#include "simulator/events/EventJson.h"
 
 namespace sim {
 

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
+
+#include "simulator/base/numberIn.h"
 
 namespace sim {
 
@@ -69,13 +70,12 @@ constexpr std::array<KindRow, 12> KINDS = {{
 }};
 
 int parseNumber(std::string_view text, int min, int max, const std::string& what) {
-    int number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size() || number < min || number > max) {
+    const auto number = numberIn<int>(text);
+    if (!number || *number < min || *number > max) {
         throw std::invalid_argument(what + " must be a number from " + std::to_string(min) +
                                     " to " + std::to_string(max));
     }
-    return number;
+    return *number;
 }
 
 const KindRow& findKind(std::string_view name) {

@@ -98,12 +98,4 @@ Json::Value reticlesJson(const ReticleList& list) {
     return json;
 }
 
-Json::Value wordsJson(const std::vector<std::string>& words) {
-    Json::Value json(Json::arrayValue);
-    for (const std::string& word : words) {
-        json.append(word);
-    }
-    return json;
-}
-
 }  // namespace sim

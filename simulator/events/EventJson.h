@@ -17,7 +17,4 @@ namespace sim {
 [[nodiscard]] Json::Value reticleJson(const Reticle& reticle);
 [[nodiscard]] Json::Value reticlesJson(const ReticleList& list);
 
-/// An array of `words`.
-[[nodiscard]] Json::Value wordsJson(const std::vector<std::string>& words);
-
 }  // namespace sim

@@ -18,13 +18,10 @@ public:
     /// One exchange of the device. Never throws.
     [[nodiscard]] Delivery exchange(const std::string& request);
 
-    /// Exchanges so far.
-    [[nodiscard]] std::size_t count() const { return _count; }
-
 private:
     ExchangeFunction _device;
     EventStream& _events;
-    std::size_t _count = 0;
+    std::size_t _count = 0;  ///< exchanges so far
 };
 
 }  // namespace sim

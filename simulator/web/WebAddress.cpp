@@ -1,25 +1,23 @@
 #include "simulator/web/WebAddress.h"
 
-#include <charconv>
 #include <stdexcept>
 #include <string_view>
-#include <system_error>
 
 #include <asio/ip/address_v4.hpp>
+
+#include "simulator/base/numberIn.h"
 
 namespace sim {
 
 namespace {
 
 std::uint16_t parsePort(std::string_view text) {
-    std::uint16_t port = 0;
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, port);
-    if (parsed.ec != std::errc() || parsed.ptr != end) {
+    const auto port = numberIn<std::uint16_t>(text);
+    if (!port) {
         throw std::invalid_argument("\"" + std::string(text) +
                                     "\" is not a port, a number from 0 to 65535");
     }
-    return port;
+    return *port;
 }
 
 }  // namespace

@@ -2,15 +2,14 @@
 
 #include <json/value.h>
 
-#include <charconv>
 #include <chrono>
 #include <exception>
 #include <map>
 #include <random>
-#include <system_error>
 #include <utility>
 
 #include "simulator/base/JsonText.h"
+#include "simulator/base/numberIn.h"
 #include "simulator/web/WebParts.h"
 #include "tools/reticlectl/gallery/NestedUses.h"
 #include "tools/reticlectl/gallery/SvgPicture.h"
@@ -110,15 +109,13 @@ HttpResponse WebServer::_get(const std::string& path) {
 }
 
 HttpResponse WebServer::_picture(const std::string& number) const {
-    int index = 0;
-    const char* const end = number.data() + number.size();
-    const auto parsed = std::from_chars(number.data(), end, index);
-    if (parsed.ec != std::errc() || parsed.ptr != end) {
+    const auto index = numberIn<int>(number);
+    if (!index) {
         return refused(HTTP_NOT_FOUND, "That is no index.\n");
     }
     std::string data;
     try {
-        data = _device.picture(index);
+        data = _device.picture(*index);
     } catch (const std::exception& error) {
         return refused(HTTP_NOT_FOUND, error.what());
     }
