@@ -19,8 +19,9 @@ struct Delivery {
     End end = End::KEEP_OPEN;
 
     // What onlookers learn; it does not travel.
-    std::optional<int> retVal{};  ///< as the device decided, before faults; none when replayed
-    std::string reason{};         ///< of a refusal
+    std::optional<int>
+        retVal{};          ///< the device's, or the code of a refusal by fault; none when replayed
+    std::string reason{};  ///< of a refusal
     std::vector<std::string> faults{};  ///< that spoiled the answer, as --fault takes them
 };
 

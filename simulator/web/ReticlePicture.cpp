@@ -12,7 +12,7 @@ namespace sim {
 
 namespace {
 
-/// With its quotes, as the service looks for it: the picture is what a client gets.
+/// With its quotes, as the service looks for it.
 constexpr std::string_view PLACEHOLDER = "\"user_color\"";
 constexpr std::size_t MAX_PICTURE_BYTES = 16'000'000;
 
