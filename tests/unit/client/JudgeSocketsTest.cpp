@@ -70,6 +70,9 @@ TEST(JudgeSockets, AnRtosThatListensIsWell) {
     EXPECT_EQ(judgeRtosPort({SERVICE, RTOS}).verdict, Verdict::OK);
     EXPECT_THAT(judgeRtosPort({SERVICE, RTOS}).text, HasSubstr("nobody is connected"));
     EXPECT_THAT(judgeRtosPort({RTOS, LINK}).text, HasSubstr("and is connected"));
+    TcpSocket elsewhere = LINK;
+    elsewhere.remoteAddress = "0A00A8C0";
+    EXPECT_THAT(judgeRtosPort({RTOS, elsewhere}).text, HasSubstr("nobody is connected"));
 }
 
 TEST(JudgeSockets, AnRtosThatDoesNotListenIsBad) {

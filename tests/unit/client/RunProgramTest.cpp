@@ -25,9 +25,11 @@ TEST(RunProgram, TellsThatThereIsNone) {
 }
 
 TEST(RunProgram, EndsWhatDoesNotEnd) {
-    const auto run = runProgram({"sleep", "600"});
-    ASSERT_TRUE(run);
-    EXPECT_FALSE(run->hasSucceeded);
+    for (const char* script : {"exec sleep 600", "exec sleep 600 >&- 2>&-"}) {
+        const auto run = runProgram({"sh", "-c", script}, std::chrono::milliseconds(200));
+        ASSERT_TRUE(run) << script;
+        EXPECT_FALSE(run->hasSucceeded) << script;
+    }
 }
 
 }  // namespace

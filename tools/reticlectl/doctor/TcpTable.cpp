@@ -85,6 +85,14 @@ std::string hexadecimal(std::uint32_t word) {
     return std::string(DIGITS - text.size(), '0') + text;
 }
 
+/// Whether `address` is 127.0.0.1, in either table.
+bool isLoopback(const std::string& address) {
+    constexpr std::uint32_t MAPPED = 0xFFFF;
+    const std::string loopback = hexadecimal(htonl(INADDR_LOOPBACK));
+    return address == loopback ||
+           address == std::string(loopback.size() * 2, '0') + hexadecimal(htonl(MAPPED)) + loopback;
+}
+
 }  // namespace
 
 bool TcpSocket::isListener() const {
@@ -96,12 +104,12 @@ bool TcpSocket::isEstablished() const {
 }
 
 bool TcpSocket::takesLoopback() const {
-    constexpr std::uint32_t MAPPED = 0xFFFF;
-    const std::string loopback = hexadecimal(htonl(INADDR_LOOPBACK));
     const bool isAny = localAddress.find_first_not_of('0') == std::string::npos;
-    return isAny || localAddress == loopback ||
-           localAddress ==
-               std::string(loopback.size() * 2, '0') + hexadecimal(htonl(MAPPED)) + loopback;
+    return isAny || isLoopback(localAddress);
+}
+
+bool TcpSocket::leadsToLoopback() const {
+    return isLoopback(remoteAddress);
 }
 
 std::vector<TcpSocket> parseTcpTable(const std::string& text) {

@@ -23,6 +23,8 @@ struct TcpSocket {
     [[nodiscard]] bool isEstablished() const;
     /// Whether a listener takes what is sent to 127.0.0.1.
     [[nodiscard]] bool takesLoopback() const;
+    /// Whether the peer is at 127.0.0.1.
+    [[nodiscard]] bool leadsToLoopback() const;
 };
 
 /// \param text of one of the tables. \return its sockets; lines that are none are left out.

@@ -98,7 +98,8 @@ Finding judgeRtosPort(const std::vector<TcpSocket>& sockets) {
     }
     const bool isConnected =
         std::any_of(sockets.begin(), sockets.end(), [](const TcpSocket& socket) {
-            return socket.isEstablished() && socket.remotePort == RTOS_PORT;
+            return socket.isEstablished() && socket.remotePort == RTOS_PORT &&
+                   socket.leadsToLoopback();
         });
     return {LINK_SUBJECT, Verdict::OK,
             isConnected

@@ -7,8 +7,9 @@
 #include <unistd.h>
 
 #include <array>
-#include <chrono>
+#include <cerrno>
 #include <csignal>
+#include <thread>
 
 namespace reticlectl {
 
@@ -16,26 +17,40 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds LONGEST{5};
-
-/// What the program writes until it has closed its end. \return whether it did in time.
-bool readAll(int descriptor, std::string& output) {
+/// What the program writes until it has closed its end, or the deadline is over.
+void readAll(int descriptor, Clock::time_point deadline, std::string& output) {
     constexpr std::size_t PIECE_BYTES = 4096;
-    const auto deadline = Clock::now() + LONGEST;
     std::array<char, PIECE_BYTES> piece{};
     while (true) {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
         pollfd readable{.fd = descriptor, .events = POLLIN, .revents = 0};
-        if (left <= 0 || ::poll(&readable, 1, static_cast<int>(left)) == 0) {
-            return false;
+        const int ready = left > 0 ? ::poll(&readable, 1, static_cast<int>(left)) : 0;
+        if (ready < 0 && errno == EINTR) {
+            continue;
         }
-        const ssize_t bytes = ::read(descriptor, piece.data(), piece.size());
+        const ssize_t bytes = ready > 0 ? ::read(descriptor, piece.data(), piece.size()) : 0;
         if (bytes <= 0) {
-            return bytes == 0;
+            return;
         }
         output.append(piece.data(), static_cast<std::size_t>(bytes));
     }
+}
+
+/// Waits for the end; kills where that does not come before the deadline. \return the status; -1 where it is unknown.
+int statusOf(pid_t pid, Clock::time_point deadline) {
+    // A program may run on after it has closed its output, so that nothing tells its end.
+    constexpr std::chrono::milliseconds GLANCE{1};
+    int status = -1;
+    while (::waitpid(pid, &status, WNOHANG) == 0) {
+        if (Clock::now() >= deadline) {
+            ::kill(pid, SIGKILL);
+            ::waitpid(pid, &status, 0);
+            break;
+        }
+        std::this_thread::sleep_for(GLANCE);
+    }
+    return status;
 }
 
 /// Starts the program with both output streams leading to `output`. \return its number, or -1.
@@ -66,7 +81,9 @@ pid_t start(const std::vector<std::string>& command, int output) {
 
 }  // namespace
 
-std::optional<ProgramRun> runProgram(const std::vector<std::string>& command) {
+std::optional<ProgramRun> runProgram(const std::vector<std::string>& command,
+                                     std::chrono::milliseconds longest) {
+    const auto deadline = Clock::now() + longest;
     std::array<int, 2> pipe{};
     if (::pipe2(pipe.data(), O_CLOEXEC) != 0) {
         return std::nullopt;
@@ -77,11 +94,9 @@ std::optional<ProgramRun> runProgram(const std::vector<std::string>& command) {
     std::optional<ProgramRun> run;
     if (pid > 0) {
         run.emplace();
-        if (!readAll(readEnd, run->output)) {
-            ::kill(pid, SIGKILL);
-        }
-        int status = 0;
-        run->hasSucceeded = ::waitpid(pid, &status, 0) == pid && status == 0;
+        readAll(readEnd, deadline, run->output);
+        const int status = statusOf(pid, deadline);
+        run->hasSucceeded = status == 0;
         // As shells tell it; an emulator cannot tell it sooner.
         constexpr int NO_PROGRAM = 127;
         if (WIFEXITED(status) && WEXITSTATUS(status) == NO_PROGRAM) {

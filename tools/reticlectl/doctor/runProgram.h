@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,9 +14,11 @@ struct ProgramRun {
     std::string output;
 };
 
-/// Runs a program, found through PATH, without input, and waits for its end, 5 s at most; then it is
-/// killed and counts as failed.
+/// Runs a program, found through PATH, without input, and waits for its end, `longest` at most; then it
+/// is killed and counts as failed.
 /// \return nothing where there is no such program, or it cannot be started.
-[[nodiscard]] std::optional<ProgramRun> runProgram(const std::vector<std::string>& command);
+[[nodiscard]] std::optional<ProgramRun> runProgram(
+    const std::vector<std::string>& command,
+    std::chrono::milliseconds longest = std::chrono::seconds(5));
 
 }  // namespace reticlectl
