@@ -220,7 +220,7 @@ TEST_F(TracedBytesTest, AClientThatResetsEndsItsConnectionAlone) {
     EXPECT_TRUE(left.seesEnd());
     staying.sendFrame(LIST);
     EXPECT_EQ(service.receive(encodeFrame(LIST).size()), encodeFrame(LIST));
-    EXPECT_TRUE(trace.eventuallyPrints("#1 closed by the client"));
+    EXPECT_TRUE(trace.eventuallyPrints("#1 closed by the client, by a reset\n"));
 }
 
 TEST_F(TracedBytesTest, AServiceThatLeavesWithinAReplyClosesTheClientAndTheNextIsServed) {
