@@ -14,7 +14,9 @@
 #include <vector>
 
 #include "simulator/device/ReticleList.h"
+#include "tests/support/Connection.h"
 #include "tests/support/Patience.h"
+#include "tests/support/Sockets.h"
 #include "tests/system/ControlSocket.h"
 #include "tests/system/Process.h"
 #include "tests/system/Programs.h"
@@ -46,9 +48,9 @@ std::string firstLine(Process& program) {
     return program.standardOutput();
 }
 
-/// The port in that line.
-std::uint16_t portOf(Process& program) {
-    const std::string head = "rtos-sim: listening on 127.0.0.1:";
+/// The port in that line, which begins with `head`.
+std::uint16_t portOf(Process& program,
+                     const std::string& head = "rtos-sim: listening on 127.0.0.1:") {
     const std::string line = firstLine(program);
     if (!line.starts_with(head)) {
         throw std::runtime_error("it does not listen: " + line + program.standardError());
@@ -85,6 +87,35 @@ TEST_F(ProgramTest, EndsWithStatus0OnCtrlC) {
     Process program(command());
     LoopbackClient connected(portOf(program));
     program.child().kill(SIGINT);
+    EXPECT_EQ(program.waitForEnd(), 0);
+}
+
+/// Asks for a picture, which the device's thread gives, until the simulator is gone.
+void lookUntilGone(std::uint16_t page) {
+    constexpr std::size_t ALL = 100'000;
+    try {
+        while (true) {
+            Connection browser(sockets::connectTo(page));
+            browser.send("GET /picture/0 HTTP/1.1\r\nHost: localhost\r\n\r\n");
+            static_cast<void>(browser.receive(ALL));
+        }
+    } catch (const std::system_error&) {
+        // It has ended, as it is meant to.
+    }
+}
+
+TEST_F(ProgramTest, EndsWithStatus0WhileBrowsersLook) {
+    constexpr int BROWSERS = 6;
+    Process program(command({"--web", "0"}));
+    const std::uint16_t page = portOf(program, "rtos-sim: page http://127.0.0.1:");
+    Connection stream(sockets::connectTo(page));
+    stream.send("GET /events HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    EXPECT_FALSE(stream.receiveOnce(1).empty());
+    std::vector<std::jthread> browsers;
+    for (int browser = 0; browser < BROWSERS; ++browser) {
+        browsers.emplace_back(lookUntilGone, page);
+    }
+    program.child().kill(SIGTERM);
     EXPECT_EQ(program.waitForEnd(), 0);
 }
 
