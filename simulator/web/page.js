@@ -17,7 +17,7 @@ const FARTHEST_TO_SHORTEST = 1e3;
 const [LEAST_FIELD, LARGEST_FIELD] = [1e-3, 1e6];
 const SWATCHES = ['black', 'white', 'red', '#00c853', '#ffb000', '#2f9bff'];
 
-const device = {root: '', reticles: [], faults: [], exchanges: 0, bytes: 0, isUp: true};
+const device = {root: '', reticles: [], faults: [], exchanges: 0, isUp: true};
 const cards = new Map();    // by index
 const pending = new Map();  // entries of exchanges that have no answer yet
 const writings = new Map(); // by file, the number of the event that told of it
@@ -298,7 +298,7 @@ function show() {
 }
 
 function showLink(state) {
-    const texts = {live: 'Live', down: 'Device is away', gone: 'No simulator – trying again'};
+    const texts = {live: 'Live', down: 'Device is away', gone: 'No simulator, or too many pages – trying again'};
     byId('link').dataset.state = state;
     if (byId('link-text').textContent !== texts[state]) byId('link-text').textContent = texts[state];
 }
@@ -388,7 +388,7 @@ const handlers = {
     },
     faults: (event) => {
         // A fault that has happened stands beside its exchange.
-        if (event.faults.length > device.faults.length) addNote(event, `Armed: ${event.faults.join(', ')}`);
+        if (event.faults.some((fault) => !device.faults.includes(fault))) addNote(event, `Armed: ${event.faults.join(', ')}`);
         device.faults = event.faults;
     },
     down: (event) => {

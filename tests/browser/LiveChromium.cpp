@@ -122,7 +122,20 @@ bool LiveChromium::sees(const std::string& expression) {
 }
 
 void LiveChromium::click(const std::string& selector) {
-    static_cast<void>(evaluate("document.querySelector('" + selector + "').click()"));
+    const Json::Value middle = parse(
+        evaluate("(() => { const element = document.querySelector('" + selector +
+                 "'); element.scrollIntoView({behavior: 'instant', block: 'center'});"
+                 "const box = element.getBoundingClientRect();"
+                 "return JSON.stringify([box.x + box.width / 2, box.y + box.height / 2]); })()"));
+    for (const char* type : {"mousePressed", "mouseReleased"}) {
+        Json::Value parameters;
+        parameters["type"] = type;
+        parameters["x"] = middle[0];
+        parameters["y"] = middle[1];
+        parameters["button"] = "left";
+        parameters["clickCount"] = 1;
+        _call("Input.dispatchMouseEvent", parameters);
+    }
 }
 
 void LiveChromium::press(const std::string& key, int code, const std::string& text) {

@@ -26,7 +26,7 @@ public:
     /// Waits until the expression, which may fail meanwhile, is true. \return whether it is.
     [[nodiscard]] bool sees(const std::string& expression);
 
-    /// Clicks the first element of that CSS selector.
+    /// Clicks the middle of the first element of that CSS selector, or whatever covers it, after scrolling there.
     void click(const std::string& selector);
 
     /// Presses and releases a key, such as "Tab", on what has the focus.
