@@ -1,14 +1,17 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
 #include <vector>
 
+#include "reticle-client/ReticleClient.h"
 #include "tools/reticlectl/doctor/Finding.h"
 #include "tools/reticlectl/doctor/SocketHolders.h"
 #include "tools/reticlectl/doctor/TcpTable.h"
 
 namespace reticlectl {
 
-constexpr std::uint16_t SERVICE_PORT = 3451;
+constexpr std::uint16_t SERVICE_PORT = reticle::ReticleClient::DEFAULT_PORT;
 constexpr std::uint16_t RTOS_PORT = 3425;
 
 /// The sockets that listen on a port.
