@@ -2,6 +2,7 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -60,12 +61,18 @@ bool isShortageError(int error) {
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
 
+/// Whether the connection has met an error, of which the next receive will tell.
+bool hasFailed(int socket) {
+    pollfd state{.fd = socket, .events = 0, .revents = 0};
+    return poll(&state, 1, 0) > 0 && (state.revents & POLLERR) != 0;
+}
+
 /// Fills `buffer` from the connection; less only when the client leaves meanwhile. What came before an
-/// error is dropped: of a connection that is broken nothing more is carried out.
+/// error counts as it is, and the next call reports the error.
 /// \return the number of bytes, 0 at the connection's end, -1 after an error, which is reported.
 ssize_t receive(int socket, void* buffer, std::size_t size) {
     std::size_t received = 0;
-    while (received < size) {
+    for (;;) {
         // A stopped or frozen process and a debugger interrupt it: it then returns a part, or none.
         const ssize_t count =
             recv(socket, static_cast<char*>(buffer) + received, size - received, MSG_WAITALL);
@@ -76,12 +83,11 @@ ssize_t receive(int socket, void* buffer, std::size_t size) {
             logSystemError(errno);
             return -1;
         }
-        if (count == 0) {
-            break;
-        }
         received += static_cast<std::size_t>(count);
+        if (count == 0 || received == size || hasFailed(socket)) {
+            return static_cast<ssize_t>(received);
+        }
     }
-    return static_cast<ssize_t>(received);
 }
 
 /// \return nothing at the connection's end.

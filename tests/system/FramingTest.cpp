@@ -143,8 +143,10 @@ TEST_F(FramingTest, BodyNestedTooDeeplyIsDropped) {
               std::string("Exceeded stackLimit in readValue().\n") + NOT_JSON + "json value: 6\n");
 }
 
-TEST_F(FramingTest, WhatFollowsAZeroByteIsNotJudged) {
-    client.sendFrame(std::string(GET_ALL) + '\0' + "{{{ not json");
+TEST_F(FramingTest, WhatFollowsAZeroByteIsKeptButNotJudged) {
+    const std::string body = std::string(GET_ALL) + '\0' + "{{{ not json";
+    client.sendFrame(body);
+    EXPECT_TRUE(service.hasProgress("_handlerRoutine, json req: " + body + '\n'));
     EXPECT_EQ(rtos.exchange(FULL), LIST_REQUEST);
     EXPECT_EQ(client.readReply(), FULL_REPLY);
     EXPECT_EQ(service.errors(), "json value: 6\n");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 
 #include "tests/support/FrameClient.h"
@@ -15,6 +16,7 @@ using exchanges::LIST_REQUEST;
 
 constexpr int SMALL_BUFFER_BYTES = 4096;
 constexpr std::size_t RETICLE_BYTES = 6000000;
+constexpr std::uint32_t LONGER_THAN_SENT = 1000;
 
 using LostClientsTest = ForegroundTest;
 
@@ -45,6 +47,14 @@ TEST_F(LostClientsTest, ClientThatResetsWithinABodyIsReported) {
     EXPECT_EQ(service.errors(),
               "Connection reset by peer: Connection reset by peer\n"
               "json value: 6\n");
+}
+
+TEST_F(LostClientsTest, WhatCameOfABodyBeforeAResetCountsAsItIs) {
+    FrameClient leaving;
+    leaving.sendBytes(FrameClient::header(LONGER_THAN_SENT) + std::string(GET_ALL));
+    leaving.connection().reset();
+    EXPECT_EQ(rtos.exchange(exchanges::FULL), LIST_REQUEST);
+    EXPECT_TRUE(service.hasError("Connection reset by peer: Connection reset by peer\n"));
 }
 
 TEST_F(LostClientsTest, ClientsThatAskAndLeaveAtOnceDoNoHarm) {
