@@ -29,6 +29,26 @@ function(path_to_run result program)
     set(${result} ${path} PARENT_SCOPE)
 endfunction()
 
+# Makes the tests of a program of unit tests known to CTest: each by its name, or, where an emulator takes longer to
+# start than most of them take to run, in four parts without those of tests/emulation-limits.txt. What else
+# gtest_discover_tests shall know follows.
+function(discover_unit_tests program)
+    if(NOT CMAKE_CROSSCOMPILING)
+        gtest_discover_tests(${program} DISCOVERY_TIMEOUT ${LISTING_TIMEOUT_S} ${ARGN} PROPERTIES LABELS unit)
+        return()
+    endif()
+    set(list ${PROJECT_SOURCE_DIR}/tests/emulation-limits.txt)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+    file(STRINGS ${list} limits REGEX "^[^# ]")
+    list(TRANSFORM limits REPLACE "^(service[.]|simulator[.])?([^ ]+) .*" "\\2")
+    list(JOIN limits : limits)
+    foreach(part RANGE 0 3)
+        add_test(NAME ${program}.${part} COMMAND ${program} --gtest_filter=-${limits})
+        set_tests_properties(${program}.${part} PROPERTIES
+                             LABELS unit ENVIRONMENT "GTEST_TOTAL_SHARDS=4;GTEST_SHARD_INDEX=${part}")
+    endforeach()
+endfunction()
+
 # Labels as timed, besides their own label, the tests of the program whose full names begin so: how fast the machine is
 # decides them, and CI gives those that fail a second run. Further lists of tests, where there are any, follow.
 function(label_timed program label names)

@@ -73,7 +73,7 @@ TEST_F(MemoryReturnTest, NothingStaysOfBodiesOf64Kilobytes) {
 }
 
 TEST_F(MemoryReturnTest, NothingStaysOfBodiesOf400Kilobytes) {
-    constexpr std::size_t BYTES = programs::HAVE_OVERHEAD ? SMALLEST_LARGE_BYTES : 400000;
+    constexpr std::size_t BYTES = 400000;
     expectGivenBackAfterEach(hostileTexts(BYTES), 1);
 }
 
@@ -93,24 +93,21 @@ TEST_F(MemoryReturnTest, LittleStaysOfOrdinaryBodiesOfManyClients) {
 }
 
 TEST_F(MemoryReturnTest, NothingStaysOfRefusedLargeChanges) {
-    constexpr std::size_t BYTES = programs::HAVE_OVERHEAD ? 131072 : 524288;
+    constexpr std::size_t BYTES = 524288;
     expectGivenBackAfterEach(hostileChanges(BYTES), 1);
 }
 
 TEST_F(MemoryReturnTest, EightLargestBodiesAtOnceTakeTheMemoryOfFew) {
     constexpr std::size_t AT_WORK_AT_MOST_BYTES = 500 * MEGABYTE;
     constexpr std::size_t KILOBYTE = 1024;
-    handleAtOnce(
-        manyTinyValues(programs::HAVE_OVERHEAD ? SMALLEST_LARGE_BYTES : LARGEST_IN_ARENA_BYTES), 8);
-    if (!programs::HAVE_OVERHEAD) {
-        EXPECT_LE(std::stoul(service.info().status("VmHWM")) * KILOBYTE,
-                  atRest + AT_WORK_AT_MOST_BYTES);
-    }
+    handleAtOnce(manyTinyValues(LARGEST_IN_ARENA_BYTES), 8);
+    EXPECT_LE(std::stoul(service.info().status("VmHWM")) * KILOBYTE,
+              atRest + AT_WORK_AT_MOST_BYTES);
     expectGivenBack();
 }
 
 TEST_F(MemoryReturnTest, NothingStaysOfBodiesThatNeverCameToTheirEnd) {
-    constexpr std::size_t CLIENTS = programs::HAVE_OVERHEAD ? 50 : 100;
+    constexpr std::size_t CLIENTS = 100;
     for (const std::size_t bytes : {SMALLEST_LARGE_BYTES, MEGABYTE, LARGEST_IN_ARENA_BYTES}) {
         SCOPED_TRACE(bytes);
         // One after the other: few connections at once may wait to be accepted.

@@ -161,7 +161,7 @@ TEST_F(SimulatorFaultsTest, ShortDelayOnlyDelaysTheReply) {
 }
 
 TEST_F(SimulatorFaultsTest, LongDelayLosesTheLink) {
-    startDevice("delay:5500@1");
+    startDevice("delay:8000@1");
     expectNoReply(LOST);
     expectLostLink();
 }
