@@ -8,6 +8,9 @@ namespace reticled {
 /// takes many times its size.
 inline constexpr std::size_t LARGE_TEXT_BYTES = 16384;
 
+/// From this size on, the allocator maps a block by itself, and gives it back when it is freed.
+inline constexpr int RETURNED_BLOCK_BYTES = 4 * 1024 * 1024;
+
 /// Free memory that the service keeps for the next command: getting pages costs more than the work on them.
 inline constexpr int KEPT_FREE_BYTES = 4 * 1024 * 1024;
 

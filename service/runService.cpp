@@ -16,7 +16,6 @@ namespace {
 // What clients' largest requests took must go back to the system; what every command takes anew must
 // not, since getting pages costs more than the work on them. Left to itself, the allocator keeps the
 // memory of the largest requests for good, and in every reader thread's arena.
-constexpr int RETURNED_BLOCK_BYTES = 4 * 1024 * 1024;
 constexpr int ARENAS = 2;
 
 void configureAllocator() {
