@@ -131,6 +131,8 @@ void Sandbox::run(const std::function<int()>& body) const {
             continueInChild();
             require(prctl(PR_SET_CHILD_SUBREAPER, 1), "become the parent of daemons");
         }
+        // A signal to a process group, and the kernel's hang-up of one with a stopped process, stay inside.
+        require(setsid(), "leave the caller's process group");
     } catch (const std::exception& failure) {
         std::cerr << "FAILED: no private namespaces for the tests: " << failure.what() << std::endl;
         std::exit(EXIT_FAILURE);
