@@ -122,11 +122,28 @@ bool LiveChromium::sees(const std::string& expression) {
 }
 
 void LiveChromium::click(const std::string& selector) {
-    const Json::Value middle = parse(
-        evaluate("(() => { const element = document.querySelector('" + selector +
-                 "'); element.scrollIntoView({behavior: 'instant', block: 'center'});"
-                 "const box = element.getBoundingClientRect();"
-                 "return JSON.stringify([box.x + box.width / 2, box.y + box.height / 2]); })()"));
+    static_cast<void>(
+        evaluate("window.isClicked = false; document.addEventListener('click', (event) => {"
+                 "window.isClicked ||= event.target.closest('" +
+                 selector + "') !== null; }, {capture: true})"));
+    // What comes into the page meanwhile may move what is to be clicked.
+    if (!eventually(
+            [&] { return _clickOnce(selector) && evaluate("window.isClicked") == "true"; })) {
+        throw std::runtime_error("cannot be clicked: " + selector);
+    }
+}
+
+bool LiveChromium::_clickOnce(const std::string& selector) {
+    const Json::Value middle =
+        parse(evaluate("(() => { const element = document.querySelector('" + selector +
+                       "'); element.scrollIntoView({behavior: 'instant', block: 'center'});"
+                       "const box = element.getBoundingClientRect();"
+                       "const [x, y] = [box.x + box.width / 2, box.y + box.height / 2];"
+                       "return JSON.stringify(element.contains(document.elementFromPoint(x, y)) ? "
+                       "[x, y] : []); })()"));
+    if (middle.empty()) {
+        return false;
+    }
     for (const char* type : {"mousePressed", "mouseReleased"}) {
         Json::Value parameters;
         parameters["type"] = type;
@@ -136,6 +153,7 @@ void LiveChromium::click(const std::string& selector) {
         parameters["clickCount"] = 1;
         _call("Input.dispatchMouseEvent", parameters);
     }
+    return true;
 }
 
 void LiveChromium::press(const std::string& key, int code, const std::string& text) {

@@ -26,7 +26,8 @@ public:
     /// Waits until the expression, which may fail meanwhile, is true. \return whether it is.
     [[nodiscard]] bool sees(const std::string& expression);
 
-    /// Clicks the middle of the first element of that CSS selector, or whatever covers it, after scrolling there.
+    /// Clicks the middle of the first element of that CSS selector, after scrolling there, once nothing covers it.
+    /// \throws std::runtime_error when it cannot be reached within PATIENCE.
     void click(const std::string& selector);
 
     /// Presses and releases a key, such as "Tab", on what has the focus.
@@ -49,6 +50,8 @@ private:
     };
 
     [[nodiscard]] Process _start(Scheme scheme);
+    /// \return whether the mouse could reach it.
+    bool _clickOnce(const std::string& selector);
     Json::Value _call(const std::string& method, const Json::Value& parameters);
     [[nodiscard]] Json::Value _nextMessage();
 
